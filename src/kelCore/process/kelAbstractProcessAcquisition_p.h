@@ -1,0 +1,21 @@
+#ifndef KELCORE_KELABSTRACTPROCESSACQUISITION_P_H
+#define KELCORE_KELABSTRACTPROCESSACQUISITION_P_H
+
+/// \file
+/// State of kelAbstractProcessAcquisition. Installed for code that derives from it; not part of the stable
+/// interface.
+
+#include <kelCore/data/kelAbstractDataStream.h>
+#include <kelCore/data/kelDataImage.h>
+#include <kelCore/process/kelAbstractProcessAcquisition.h>
+#include <kelCore/process/kelAbstractProcess_p.h>
+
+class KELCORE_EXPORT kelAbstractProcessAcquisitionPrivate : public kelAbstractProcessPrivate
+{
+public:
+    QSharedPointer<kelAbstractDataStream> stream;
+    QSharedPointer<kelDataImage> image;
+    QSharedPointer<kelDataImage> depth;
+};
+
+#endif

@@ -1,0 +1,207 @@
+#include <kelCore/process/kelDataFlowDocument_p.h>
+
+#include <kelCore/process/kelDataFlowReading_p.h>
+#include <kelCore/process/kelDebugLine_p.h>
+
+#include <QDomDocument>
+#include <QFile>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+/// Attributes of the format, in the order in which they are written.
+constexpr std::array<std::string_view, 14> attributeOrder{
+    "frameNumber", // Frame
+    "file", // Parameters
+    "frameID",     "timeYear", "timeMonth", "timeDay",
+    "timeHour",    "timeMin",  "timeSec",   "timeMs", // Synchronization
+    "dataType", // Data
+    "key",         "type",     "value", // entry
+};
+
+struct Attribute
+{
+    std::string_view name;
+    std::string_view text; ///< name="value"
+    size_t rank;
+
+    Attribute(std::string_view attributeName, std::string_view nameAndValue)
+        : name(attributeName), text(nameAndValue),
+          rank(static_cast<size_t>(std::find(attributeOrder.begin(), attributeOrder.end(), name)
+                                   - attributeOrder.begin()))
+    { }
+
+    bool operator<(const Attribute &other) const
+    {
+        return rank != other.rank ? rank < other.rank : name < other.name;
+    }
+};
+
+/// Walks a serialised document and copies it with the attributes of every start tag in order. The toolkit
+/// wrote the text, so it is well-formed and attribute values stand between double quotes.
+class AttributeSorter
+{
+public:
+    explicit AttributeSorter(std::string_view text) : m_text(text)
+    {
+        m_result.reserve(static_cast<int>(text.size()));
+    }
+
+    QByteArray run()
+    {
+        while (m_at < m_text.size()) {
+            copyTo(m_text.find('<', m_at));
+            if (m_at == m_text.size())
+                break;
+            if (startsWith("<!--"))
+                copyBehind("-->");
+            else if (startsWith("<![CDATA["))
+                copyBehind("]]>");
+            else if (startsWith("<?"))
+                copyBehind("?>");
+            else if (startsWith("<!"))
+                copyDocumentType();
+            else if (startsWith("</"))
+                copyBehind(">");
+            else
+                copyStartTag();
+        }
+        return m_result;
+    }
+
+private:
+    bool startsWith(std::string_view prefix) const
+    {
+        return m_text.compare(m_at, prefix.size(), prefix) == 0;
+    }
+
+    void copyTo(size_t end)
+    {
+        end = std::min(end, m_text.size());
+        m_result.append(m_text.data() + m_at, static_cast<int>(end - m_at));
+        m_at = end;
+    }
+
+    void copyBehind(std::string_view mark)
+    {
+        const size_t found = m_text.find(mark, m_at);
+        copyTo(found == std::string_view::npos ? found : found + mark.size());
+    }
+
+    void copyDocumentType()
+    {
+        size_t end = m_at;
+        int open = 0;
+        for (; end < m_text.size(); ++end) {
+            const char c = m_text[end];
+            if (c == '"' || c == '\'')
+                end = m_text.find(c, end + 1);
+            else if (c == '<')
+                ++open;
+            else if (c == '>' && --open == 0)
+                break;
+            if (end == std::string_view::npos)
+                break;
+        }
+        copyTo(end == std::string_view::npos ? end : end + 1);
+    }
+
+    void copyStartTag()
+    {
+        copyTo(m_text.find_first_of(" />", m_at));
+        m_attributes.clear();
+        while (m_at < m_text.size() && m_text[m_at] == ' ') {
+            const size_t name = m_at + 1;
+            const size_t equals = m_text.find('=', name);
+            const size_t end = m_text.find('"', equals + 2) + 1; // behind name="value"
+            m_attributes.emplace_back(m_text.substr(name, equals - name), m_text.substr(name, end - name));
+            m_at = end;
+        }
+        std::sort(m_attributes.begin(), m_attributes.end());
+        for (const Attribute &attribute : m_attributes) {
+            m_result.append(' ');
+            m_result.append(attribute.text.data(), static_cast<int>(attribute.text.size()));
+        }
+        copyBehind(">");
+    }
+
+    std::string_view m_text;
+    size_t m_at = 0;
+    std::vector<Attribute> m_attributes;
+    QByteArray m_result;
+};
+
+/// Replaces what no XML document may contain.
+void replaceForbiddenCharacters(QString &text)
+{
+    const auto forbidden = [&text](int i) {
+        const QChar c = text.at(i);
+        const ushort u = c.unicode();
+        if (u < 0x20)
+            return u != '\t' && u != '\n' && u != '\r';
+        if (u < 0xd800)
+            return false;
+        if (c.isHighSurrogate())
+            return i + 1 == text.size() || !text.at(i + 1).isLowSurrogate();
+        if (c.isLowSurrogate())
+            return i == 0 || !text.at(i - 1).isHighSurrogate();
+        return u >= 0xfffe;
+    };
+    for (int i = 0; i < text.size(); ++i)
+        if (forbidden(i))
+            text[i] = QChar(QChar::ReplacementCharacter);
+}
+
+/// Lets the XML declaration, where there is one, name the encoding that is written.
+void declareUtf8(QString &text)
+{
+    if (!text.startsWith(QLatin1String("<?xml ")))
+        return;
+    const int end = text.indexOf(QLatin1String("?>"));
+    const int name = text.indexOf(QLatin1String("encoding="));
+    if (end < 0 || name < 0 || name > end)
+        return;
+    const int first = name + 10;
+    const int last = text.indexOf(text.at(first - 1), first);
+    if (last > 0 && last < end
+        && text.mid(first, last - first).compare(QLatin1String("UTF-8"), Qt::CaseInsensitive))
+        text.replace(first, last - first, QStringLiteral("UTF-8"));
+}
+
+} // namespace
+
+QByteArray kelDataFlow::toXml(const QDomDocument &document)
+{
+    QString text = document.toString(1);
+    replaceForbiddenCharacters(text);
+    declareUtf8(text);
+    const QByteArray utf8 = text.toUtf8();
+    return AttributeSorter({utf8.constData(), static_cast<size_t>(utf8.size())}).run();
+}
+
+bool kelDataFlow::replaceFile(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+}
+
+bool kelDataFlow::parse(QFile &file, QDomDocument &document)
+{
+    QString message;
+    int line = 0;
+    int column = 0;
+    const bool parsed = file.isOpen() && document.setContent(&file, &message, &line, &column);
+    file.close();
+    if (!parsed) {
+        debugLine("\n xml file content problem...");
+        debugLine(quoted(message), "  ", line, "  ", column, "  ");
+    }
+    return parsed;
+}

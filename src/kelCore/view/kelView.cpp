@@ -1,0 +1,126 @@
+#include <kelCore/view/kelView.h>
+#include <kelCore/view/kelView_p.h>
+
+#include <kelCore/data/kelDataBlob.h>
+#include <kelCore/data/kelDataPhysicalObject.h>
+#include <kelCore/view/kelScenePicture_p.h>
+
+#include <QGraphicsRectItem>
+#include <QPen>
+
+namespace {
+
+/// Replaces the rectangles `items` of `scene` by one for the box of each of `objects`.
+template <class Object>
+void replaceBoxes(QGraphicsScene &scene, QList<QGraphicsItem *> &items,
+                  const QList<QSharedPointer<Object>> &objects, Qt::GlobalColor color)
+{
+    for (QGraphicsItem *item : qAsConst(items)) {
+        scene.removeItem(item);
+        delete item;
+    }
+    items.clear();
+    for (const QSharedPointer<Object> &object : objects) {
+        if (!object)
+            continue;
+        const cv::Rect &box = object->getBoundingBox2D();
+        auto *item = new QGraphicsRectItem(box.x, box.y, box.width, box.height);
+        item->setPen(QPen(color, 2));
+        items.append(item);
+        scene.addItem(item);
+    }
+}
+
+bool hasPixels(const QSharedPointer<kelDataImage> &image)
+{
+    return image->getImage().data && image->getImage().total() > 0;
+}
+
+} // namespace
+
+kelViewPrivate::kelViewPrivate()
+{
+    showScene();
+    acquisition();
+    segmentation();
+}
+
+kelViewPrivate::kelViewPrivate(const kelViewPrivate &other)
+    : nubAbstractViewPrivate(other), acquisitionItem(other.acquisitionItem),
+      segmentationItem(other.segmentationItem), display(other.display)
+{
+    showScene();
+    scene.addItem(acquisition());
+    scene.addItem(segmentation());
+}
+
+kelViewPrivate::~kelViewPrivate()
+{
+    scene.clear();
+    delete view;
+}
+
+void kelViewPrivate::showScene()
+{
+    view = new QGraphicsView;
+    view->setRenderHint(QPainter::Antialiasing);
+    view->setScene(&scene);
+}
+
+kelView::kelView() : nubAbstractView(*new kelViewPrivate) { }
+
+kelView::kelView(const kelView &other) : nubAbstractView(*new kelViewPrivate(*other.d_func()), other.parent())
+{ }
+
+kelView::~kelView() = default;
+
+QWidget *kelView::widget() { return d_func()->view; }
+
+QSharedPointer<kelDataImage> &kelView::getDisplay() { return d_func()->display; }
+
+void kelView::setAcquisitionImage(QSharedPointer<kelDataImage> image)
+{
+    Q_D(kelView);
+    if (!image || !hasPixels(image))
+        return;
+    QGraphicsPixmapItem *item = d->acquisition();
+    item->setPixmap(kelScenePicture::fromBgr(image->getImage()));
+    d->scene.setSceneRect(item->boundingRect());
+    if (d->view)
+        d->view->adjustSize();
+}
+
+void kelView::setSegmentationImage(QSharedPointer<kelDataImage> image)
+{
+    Q_D(kelView);
+    if (!image)
+        return;
+    QGraphicsPixmapItem *item = d->segmentation();
+    item->setVisible(hasPixels(image));
+    if (hasPixels(image))
+        item->setPixmap(kelScenePicture::fromMask(image->getImage()));
+}
+
+void kelView::setBlobs(QList<QSharedPointer<kelDataBlob>> blobs)
+{
+    Q_D(kelView);
+    replaceBoxes(d->scene, d->blobItems, blobs, Qt::magenta);
+}
+
+void kelView::setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects)
+{
+    Q_D(kelView);
+    replaceBoxes(d->scene, d->physicalObjectItems, objects, Qt::cyan);
+}
+
+void kelView::updateDisplay()
+{
+    Q_D(kelView);
+    if (!d->display)
+        d->display.reset(new kelDataImage);
+    const cv::Mat picture = kelScenePicture::render(d->scene);
+    if (!picture.empty())
+        d->display->setImage(picture);
+}
+
+nubAbstractView *createKelView() { return new kelView; }

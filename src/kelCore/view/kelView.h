@@ -1,0 +1,67 @@
+#ifndef KELCORE_KELVIEW_H
+#define KELCORE_KELVIEW_H
+
+/// \file
+/// Plain 2-D display of a camera frame.
+
+#include <kelCore/kelCoreExport.h>
+#include <nubCore/nubAbstractView.h>
+
+#include <QList>
+#include <QSharedPointer>
+
+class kelDataBlob;
+class kelDataImage;
+class kelDataPhysicalObject;
+class kelViewPrivate;
+
+/// Shows a frame, its foreground mask over it, and rectangles around blobs (magenta) and physical objects
+/// (cyan).
+///
+/// Per frame call `setAcquisitionImage`, `setSegmentationImage`, `setBlobs` and `setPhysicalObjects`, then
+/// `updateDisplay` where a rendered copy is wanted. Each can be left out: the scene keeps what was set
+/// before. Null pointers and images without pixels are ignored. All calls belong to the GUI thread.
+class KELCORE_EXPORT kelView : public nubAbstractView
+{
+    Q_OBJECT
+
+public:
+    kelView();
+    /// A new scene and widget that take over `other`'s frame and mask items: `other`'s scene no longer shows
+    /// them, and what either view sets from then on appears in the copy's, for as long as the copy lives. The
+    /// display image is shared.
+    kelView(const kelView &other);
+    ~kelView() override;
+
+    /// The `QGraphicsView` to embed. The view owns it, and copes with a parent that deletes it first.
+    QWidget *widget() override;
+    /// The picture rendered last; null until the first `updateDisplay`.
+    QSharedPointer<kelDataImage> &getDisplay();
+
+    /// Shows a frame, 8-bit in blue, green, red order, and fits scene and widget to it. OpenCV's colour
+    /// conversion throws for other channel counts.
+    void setAcquisitionImage(QSharedPointer<kelDataImage> image);
+    /// Paints the frame black where the mask, one-channel 8-bit, is 255; an image without pixels hides the
+    /// mask.
+    ///
+    /// Rows of the mask are taken to start on 32-bit boundaries, so one whose width is no multiple of 4 is
+    /// sheared: deliberate.
+    void setSegmentationImage(QSharedPointer<kelDataImage> image);
+    /// Replaces the rectangles around blobs.
+    void setBlobs(QList<QSharedPointer<kelDataBlob>> blobs);
+    /// Replaces the rectangles around physical objects.
+    void setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects);
+
+    /// Renders the scene into a new picture of the scene's size and hands it to the display image: four
+    /// channels, in memory order blue, green, red, 255. The picture owns its pixels. While nothing was set
+    /// yet, the display image stays empty.
+    void updateDisplay();
+
+private:
+    Q_DECLARE_PRIVATE_D(nub_d, kelView)
+};
+
+/// A new kelView; the caller owns it.
+KELCORE_EXPORT nubAbstractView *createKelView();
+
+#endif

@@ -1,0 +1,7 @@
+#include <nubLog/nubLogger.h>
+
+nubLogger &nubLogger::instance()
+{
+    static nubLogger logger;
+    return logger;
+}
