@@ -1,0 +1,31 @@
+#ifndef APPS_KELRECORD_VIDEOACQUISITION_H
+#define APPS_KELRECORD_VIDEOACQUISITION_H
+
+/// \file
+/// Acquisition from a video file or a camera.
+
+#include <kelCore/process/kelAbstractProcessAcquisition.h>
+
+class VideoAcquisitionPrivate;
+class VideoSource;
+
+/// Opens what its stream's device names, and hands out its frames one after another.
+class VideoAcquisition : public kelAbstractProcessAcquisition
+{
+    Q_OBJECT
+
+public:
+    VideoAcquisition();
+
+    /// Opens the stream's device. \throws Failure when it is no video.
+    void setStream(QSharedPointer<kelAbstractDataStream> &stream) override;
+    bool acquire() override;
+
+    /// The open video; there is one after `setStream`.
+    const VideoSource &source() const;
+
+private:
+    Q_DECLARE_PRIVATE_D(nub_d, VideoAcquisition)
+};
+
+#endif
