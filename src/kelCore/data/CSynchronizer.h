@@ -15,8 +15,8 @@
 /// Order and equality look at the time alone. Two stamps of the same millisecond are equal whatever their
 /// frame numbers, deliberately: the time, not the index, is the key of a trajectory.
 ///
-/// A default-constructed stamp has a null date-time. It orders as 0 ms since the epoch and equals only
-/// another stamp whose date-time is null.
+/// A default-constructed stamp has a null date-time. It orders as 0 ms since the epoch and equals no
+/// stamp that has a time.
 class CSynchronizer
 {
 public:
@@ -42,10 +42,7 @@ public:
     {
         return toMSecsSinceEpoch() < other.toMSecsSinceEpoch();
     }
-    bool operator==(const CSynchronizer &other) const
-    {
-        return dateTime.isNull() == other.dateTime.isNull() && dateTime == other.dateTime;
-    }
+    bool operator==(const CSynchronizer &other) const { return dateTime == other.dateTime; }
     bool operator!=(const CSynchronizer &other) const { return !(*this == other); }
 
 private:

@@ -13,8 +13,13 @@
 
 namespace {
 
-/// The first three rows of P = K E. Terms are added from left to right, as the matrix product adds them, so
-/// that both give the same bits.
+bool isTransform(const cv::Mat &matrix)
+{
+    return matrix.dims == 2 && matrix.type() == CV_64FC1 && matrix.rows == 4 && matrix.cols == 4;
+}
+
+/// The first three rows of P = K E. Terms are added to 0 from left to right, as the matrix product adds them,
+/// so that both give the same bits (a sum of negative zeros is a positive one).
 struct Projection
 {
     double p[3][4];
@@ -22,12 +27,12 @@ struct Projection
     Projection(const cv::Mat &K, const cv::Mat &E)
     {
         CV_Assert(K.dims == 2 && K.type() == CV_64FC1 && K.cols == 4 && (K.rows == 3 || K.rows == 4));
-        CV_Assert(E.dims == 2 && E.type() == CV_64FC1 && E.cols == 4 && E.rows == 4);
+        CV_Assert(isTransform(E));
         const double *e[4] = {E.ptr<double>(0), E.ptr<double>(1), E.ptr<double>(2), E.ptr<double>(3)};
         for (int r = 0; r < 3; ++r) {
             const double *k = K.ptr<double>(r);
             for (int c = 0; c < 4; ++c)
-                p[r][c] = k[0] * e[0][c] + k[1] * e[1][c] + k[2] * e[2][c] + k[3] * e[3][c];
+                p[r][c] = 0.0 + k[0] * e[0][c] + k[1] * e[1][c] + k[2] * e[2][c] + k[3] * e[3][c];
         }
     }
 
@@ -52,7 +57,7 @@ cv::Mat worldToCamera(cv::Mat pose)
 {
     if (pose.empty())
         return pose;
-    CV_Assert(pose.type() == CV_64FC1 && pose.rows == 4 && pose.cols == 4);
+    CV_Assert(isTransform(pose));
     for (int c = 0; c < 4; ++c)
         std::swap(pose.at<double>(1, c), pose.at<double>(2, c));
     return pose.inv(cv::DECOMP_LU);
@@ -199,6 +204,7 @@ cv::Point2d kelAbstractDataCalibration::worldToImage(cv::Point3d point) const
 
 cv::Point3d kelAbstractDataCalibration::getPosition() const
 {
+    CV_Assert(isTransform(getExtrinsicMatrix()));
     const cv::Mat pose = getExtrinsicMatrix().inv(cv::DECOMP_LU);
     return cv::Point3d(pose.at<double>(0, 3), pose.at<double>(1, 3), pose.at<double>(2, 3));
 }

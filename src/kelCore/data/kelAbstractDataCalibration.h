@@ -61,9 +61,8 @@ public:
     /// A missing name becomes empty, not "Default"; a missing matrix becomes empty.
     ///
     /// \return false, after two lines on standard output, when the file cannot be opened.
-    /// \throws cv::Exception from the storage when the file is no storage document, and when the extrinsic
-    /// matrix is
-    ///         not 4 x 4 doubles. The object is unchanged then.
+    /// \throws cv::Exception when the file is no storage document, and when its extrinsic matrix is not 4 x 4
+    /// doubles. The object is unchanged then.
     bool read(const QString &fileName) override;
 
     void setReferentialName(const QString &name);
@@ -94,7 +93,8 @@ public:
     /// Projection of a world point; infinite or not-a-number for a point in the camera's own plane.
     virtual cv::Point2d worldToImage(cv::Point3d point) const;
 
-    /// The camera's centre in the world: the translation column of the inverse of E.
+    /// The camera's centre in the world: the translation column of the inverse of E. An E that is not 4 x 4
+    /// doubles throws as in the projections.
     cv::Point3d getPosition() const;
 
 protected:

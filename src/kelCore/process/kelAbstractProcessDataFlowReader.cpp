@@ -42,6 +42,9 @@ void readFrame(const QDomElement &frame, kelAbstractProcessDataReader &reader,
         objects.append(reader.readData(data));
 }
 
+/// Larger files of records are read through a stream, at half the speed: a byte array may not hold them.
+constexpr qint64 largestInMemory = 1 << 30;
+
 /// Rebuilds every object of a file of records.
 QList<kelAbstractData *> readRecords(const QString &path, kelAbstractProcessDataReader &reader)
 {
@@ -49,9 +52,16 @@ QList<kelAbstractData *> readRecords(const QString &path, kelAbstractProcessData
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return objects;
-    const QByteArray bytes = file.readAll();
-    file.close();
+    const auto readThrough = [&](QDataStream &&in) {
+        while (!in.atEnd())
+            objects.append(reader.readData(in));
+    };
+    if (file.size() > largestInMemory) {
+        readThrough(QDataStream(&file));
+        return objects;
+    }
 
+    const QByteArray bytes = file.readAll();
     kelDataFlowRecord record;
     qint64 at = 0;
     while (const qint64 used = record.decode(bytes.constData() + at, bytes.size() - at)) {
@@ -59,9 +69,7 @@ QList<kelAbstractData *> readRecords(const QString &path, kelAbstractProcessData
         at += used;
     }
     // What is left is cut off or foreign: it is read as far as it goes.
-    QDataStream rest(bytes.mid(static_cast<int>(at)));
-    while (!rest.atEnd())
-        objects.append(reader.readData(rest));
+    readThrough(QDataStream(bytes.mid(static_cast<int>(at))));
     return objects;
 }
 

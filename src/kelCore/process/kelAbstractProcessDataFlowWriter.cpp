@@ -87,6 +87,10 @@ bool kelAbstractProcessDataFlowWriter::writeDataFlow()
     const QString path = d->filePath.fileName();
     if (!QFile::exists(path))
         xmlGen();
+    // What the document held is let go at the end: freed before the parser runs, its many small pieces would
+    // have the parser pay for tidying up the heap.
+    const QDomNode previous = d->document.removeChild(d->document.documentElement());
+
     QFile file(path);
     file.open(QIODevice::ReadOnly);
     if (!kelDataFlow::parse(file, d->document))

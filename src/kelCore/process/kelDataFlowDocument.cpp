@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -43,36 +43,34 @@ struct Attribute
     }
 };
 
-/// Walks a serialised document and copies it with the attributes of every start tag in order. The toolkit
+/// Walks a serialised document and puts the attributes of every start tag in order, in place. The toolkit
 /// wrote the text, so it is well-formed and attribute values stand between double quotes.
 class AttributeSorter
 {
 public:
-    explicit AttributeSorter(std::string_view text) : m_text(text)
-    {
-        m_result.reserve(static_cast<int>(text.size()));
-    }
+    explicit AttributeSorter(QByteArray &text)
+        : m_data(text.data()), m_text(m_data, static_cast<size_t>(text.size()))
+    { }
 
-    QByteArray run()
+    void run()
     {
         while (m_at < m_text.size()) {
-            copyTo(m_text.find('<', m_at));
+            skipTo(m_text.find('<', m_at));
             if (m_at == m_text.size())
                 break;
             if (startsWith("<!--"))
-                copyBehind("-->");
+                skipBehind("-->");
             else if (startsWith("<![CDATA["))
-                copyBehind("]]>");
+                skipBehind("]]>");
             else if (startsWith("<?"))
-                copyBehind("?>");
+                skipBehind("?>");
             else if (startsWith("<!"))
-                copyDocumentType();
+                skipDocumentType();
             else if (startsWith("</"))
-                copyBehind(">");
+                skipBehind(">");
             else
-                copyStartTag();
+                sortStartTag();
         }
-        return m_result;
     }
 
 private:
@@ -81,20 +79,15 @@ private:
         return m_text.compare(m_at, prefix.size(), prefix) == 0;
     }
 
-    void copyTo(size_t end)
-    {
-        end = std::min(end, m_text.size());
-        m_result.append(m_text.data() + m_at, static_cast<int>(end - m_at));
-        m_at = end;
-    }
+    void skipTo(size_t end) { m_at = std::min(end, m_text.size()); }
 
-    void copyBehind(std::string_view mark)
+    void skipBehind(std::string_view mark)
     {
         const size_t found = m_text.find(mark, m_at);
-        copyTo(found == std::string_view::npos ? found : found + mark.size());
+        skipTo(found == std::string_view::npos ? found : found + mark.size());
     }
 
-    void copyDocumentType()
+    void skipDocumentType()
     {
         size_t end = m_at;
         int open = 0;
@@ -109,12 +102,13 @@ private:
             if (end == std::string_view::npos)
                 break;
         }
-        copyTo(end == std::string_view::npos ? end : end + 1);
+        skipTo(end == std::string_view::npos ? end : end + 1);
     }
 
-    void copyStartTag()
+    void sortStartTag()
     {
-        copyTo(m_text.find_first_of(" />", m_at));
+        skipTo(m_text.find_first_of(" />", m_at));
+        const size_t begin = m_at;
         m_attributes.clear();
         while (m_at < m_text.size() && m_text[m_at] == ' ') {
             const size_t name = m_at + 1;
@@ -123,18 +117,21 @@ private:
             m_attributes.emplace_back(m_text.substr(name, equals - name), m_text.substr(name, end - name));
             m_at = end;
         }
-        std::sort(m_attributes.begin(), m_attributes.end());
-        for (const Attribute &attribute : m_attributes) {
-            m_result.append(' ');
-            m_result.append(attribute.text.data(), static_cast<int>(attribute.text.size()));
+        if (!std::is_sorted(m_attributes.begin(), m_attributes.end())) {
+            std::sort(m_attributes.begin(), m_attributes.end());
+            m_sorted.clear();
+            for (const Attribute &attribute : m_attributes)
+                m_sorted.append(1, ' ').append(attribute.text);
+            m_sorted.copy(m_data + begin, m_sorted.size());
         }
-        copyBehind(">");
+        skipBehind(">");
     }
 
-    std::string_view m_text;
+    char *m_data;
+    std::string_view m_text; ///< The same.
     size_t m_at = 0;
     std::vector<Attribute> m_attributes;
-    QByteArray m_result;
+    std::string m_sorted;
 };
 
 /// Replaces what no XML document may contain.
@@ -158,38 +155,42 @@ void replaceForbiddenCharacters(QString &text)
             text[i] = QChar(QChar::ReplacementCharacter);
 }
 
-/// Lets the XML declaration, where there is one, name the encoding that is written.
-void declareUtf8(QString &text)
+/// Lets the XML declaration, where there is one, name the encoding that is written. The toolkit goes by it:
+/// what another encoding cannot express would become character references, of surrogates among them.
+void declareUtf8(const QDomDocument &document)
 {
-    if (!text.startsWith(QLatin1String("<?xml ")))
+    QDomProcessingInstruction declaration = document.firstChild().toProcessingInstruction();
+    if (declaration.target() != QLatin1String("xml"))
         return;
-    const int end = text.indexOf(QLatin1String("?>"));
+    QString text = declaration.data();
     const int name = text.indexOf(QLatin1String("encoding="));
-    if (end < 0 || name < 0 || name > end)
+    const int first = name + 10; // behind the quote
+    if (name < 0 || first > text.size())
         return;
-    const int first = name + 10;
     const int last = text.indexOf(text.at(first - 1), first);
-    if (last > 0 && last < end
-        && text.mid(first, last - first).compare(QLatin1String("UTF-8"), Qt::CaseInsensitive))
-        text.replace(first, last - first, QStringLiteral("UTF-8"));
+    if (last > 0 && text.mid(first, last - first).compare(QLatin1String("UTF-8"), Qt::CaseInsensitive))
+        declaration.setData(text.replace(first, last - first, QStringLiteral("UTF-8")));
 }
 
 } // namespace
 
 QByteArray kelDataFlow::toXml(const QDomDocument &document)
 {
+    declareUtf8(document);
     QString text = document.toString(1);
     replaceForbiddenCharacters(text);
-    declareUtf8(text);
-    const QByteArray utf8 = text.toUtf8();
-    return AttributeSorter({utf8.constData(), static_cast<size_t>(utf8.size())}).run();
+    QByteArray utf8 = text.toUtf8();
+    AttributeSorter(utf8).run();
+    return utf8;
 }
 
 bool kelDataFlow::replaceFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
     file.setDirectWriteFallback(true);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    // Flushed by hand: the toolkit would commit a file whose last block met a full disk.
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()
+        && file.commit();
 }
 
 bool kelDataFlow::parse(QFile &file, QDomDocument &document)
@@ -197,7 +198,7 @@ bool kelDataFlow::parse(QFile &file, QDomDocument &document)
     QString message;
     int line = 0;
     int column = 0;
-    const bool parsed = file.isOpen() && document.setContent(&file, &message, &line, &column);
+    const bool parsed = file.isOpen() && document.setContent(file.readAll(), &message, &line, &column);
     file.close();
     if (!parsed) {
         debugLine("\n xml file content problem...");

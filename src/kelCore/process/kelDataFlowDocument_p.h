@@ -16,7 +16,7 @@ namespace kelDataFlow {
 /// behind them by name.
 ///
 /// Characters that XML cannot carry become U+FFFD: no key makes a recording unreadable. An XML declaration of
-/// another encoding is made to say UTF-8, which is what is written.
+/// another encoding is made to say UTF-8, in the document too: that is what is written.
 QByteArray toXml(const QDomDocument &document);
 
 /// Replaces the content of the file at `path` in one step: whoever reads it finds the old content or the new

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <optional>
+#include <new>
 
 namespace {
 
@@ -44,36 +44,54 @@ bool hasStreamOperators(const QVariant &value)
 }
 
 /// Writes a record's values. The toolkit's own map operator is not used: its order of keys changed with Qt 6,
-/// and it writes nothing at all for a value whose type has no stream operators.
+/// and it writes nothing at all for a value whose type has no stream operators. Values of the common types
+/// are put down straight away: the toolkit's stream costs as much as appending the record to a file.
 class Encoder
 {
 public:
-    explicit Encoder(QDataStream &out) : m_out(out) { }
+    Encoder() { m_bytes.reserve(256); }
+
+    void writeString(const QString &text)
+    {
+        if (text.isNull())
+            return writeInt(quint32(0xffffffff));
+        writeInt(static_cast<quint32>(text.size() * 2));
+        const auto at = m_bytes.size();
+        m_bytes.resize(at + text.size() * 2);
+        qToBigEndian<quint16>(text.constData(), text.size(), m_bytes.data() + at);
+    }
 
     bool writeMap(const QVariantMap &map)
     {
-        m_out << static_cast<quint32>(map.size());
+        writeInt(static_cast<quint32>(map.size()));
         for (auto it = map.cend(); it != map.cbegin();) {
             --it;
-            m_out << it.key();
+            writeString(it.key());
             if (!writeValue(it.key(), it.value()))
                 return false;
         }
         return true;
     }
 
+    const QByteArray &bytes() const { return m_bytes; }
     const QString &problem() const { return m_problem; }
 
 private:
+    template <class Integer> void writeInt(Integer value)
+    {
+        char bytes[sizeof value];
+        qToBigEndian(value, bytes);
+        m_bytes.append(bytes, sizeof value);
+    }
+
     bool writeValue(const QString &key, const QVariant &value)
     {
-        const int type = value.userType();
-        switch (type) {
+        switch (value.userType()) {
         case QMetaType::QVariantMap:
-            writeHeader(type);
+            writeHeader(value);
             return writeMap(value.toMap());
         case QMetaType::QVariantHash: {
-            writeHeader(type);
+            writeHeader(value);
             QVariantMap sorted;
             const QVariantHash hash = value.toHash();
             for (auto it = hash.cbegin(); it != hash.cend(); ++it)
@@ -81,34 +99,70 @@ private:
             return writeMap(sorted);
         }
         case QMetaType::QVariantList: {
-            writeHeader(type);
+            writeHeader(value);
             const QVariantList list = value.toList();
-            m_out << static_cast<quint32>(list.size());
+            writeInt(static_cast<quint32>(list.size()));
             for (const QVariant &element : list)
                 if (!writeValue(key, element))
                     return false;
             return true;
         }
-        case QMetaType::Int:
-        case QMetaType::Double:
-        case QMetaType::QString:
-        case QMetaType::QRect:
-            break; // common, and known to be streamable
-        default:
-            if (!hasStreamOperators(value)) {
-                m_problem = QStringLiteral(
-                                "entry \"%1\" of type %2 is not recorded: the type has no stream operators")
-                                .arg(key, QString::fromLatin1(value.typeName()));
-                return false;
-            }
         }
-        m_out << value;
+        if (!value.isNull() && writeCommonValue(value))
+            return true;
+        if (!hasStreamOperators(value)) {
+            m_problem =
+                QStringLiteral("entry \"%1\" of type %2 is not recorded: the type has no stream operators")
+                    .arg(key, QString::fromLatin1(value.typeName()));
+            return false;
+        }
+        QByteArray bytes;
+        QDataStream out(&bytes, QIODevice::WriteOnly);
+        const RecordStream versioned(out);
+        out << value;
+        m_bytes.append(bytes);
         return true;
     }
 
-    void writeHeader(int type) { m_out << static_cast<quint32>(type) << qint8(0); }
+    /// False, with nothing written, for a value of another type.
+    bool writeCommonValue(const QVariant &value)
+    {
+        switch (value.userType()) {
+        case QMetaType::Int:
+            writeHeader(value);
+            writeInt(value.toInt());
+            return true;
+        case QMetaType::Double: {
+            writeHeader(value);
+            const double number = value.toDouble();
+            quint64 bits;
+            std::memcpy(&bits, &number, sizeof bits);
+            writeInt(bits);
+            return true;
+        }
+        case QMetaType::QString:
+            writeHeader(value);
+            writeString(value.toString());
+            return true;
+        case QMetaType::QRect: {
+            writeHeader(value);
+            const QRect box = value.toRect();
+            for (const int corner : {box.left(), box.top(), box.right(), box.bottom()})
+                writeInt(corner);
+            return true;
+        }
+        default:
+            return false;
+        }
+    }
 
-    QDataStream &m_out;
+    void writeHeader(const QVariant &value)
+    {
+        writeInt(static_cast<quint32>(value.userType()));
+        writeInt(static_cast<qint8>(value.isNull()));
+    }
+
+    QByteArray m_bytes;
     QString m_problem;
 };
 
@@ -130,13 +184,10 @@ public:
         record.properties = QVariantMap();
         auto old = previous.cend();
         for (quint32 i = 0; i < count; ++i) {
-            QString key;
-            if (old != previous.cbegin())
-                key = (--old).key();
-            std::optional<QVariant> value;
-            if (!readString(key) || !(value = readValue()))
+            QString key = old != previous.cbegin() ? (--old).key() : QString();
+            if (!readString(key)
+                || !readValue(*record.properties.insert(record.properties.cbegin(), key, QVariant())))
                 return 0;
-            record.properties.insert(record.properties.cbegin(), key, *value);
         }
         return m_at - m_begin;
     }
@@ -168,51 +219,58 @@ private:
         const int length = static_cast<int>(bytes / 2);
         const char *characters = m_at;
         m_at += bytes;
-        const auto at = [characters](int i) { return QChar(qFromBigEndian<quint16>(characters + 2 * i)); };
-        int same = 0;
-        if (!text.isNull() && text.size() == length)
-            while (same < length && text.at(same) == at(same))
-                ++same;
-        if (same == length && !text.isNull())
-            return true;
+        if (!text.isNull() && text.size() == length) {
+            const QChar *old = text.constData();
+            int difference = 0;
+            for (int i = 0; i < length; ++i)
+                difference |= old[i].unicode() ^ qFromBigEndian<quint16>(characters + 2 * i);
+            if (difference == 0)
+                return true;
+        }
         text = QString(length, Qt::Uninitialized);
-        QChar *out = text.data();
-        for (int i = 0; i < length; ++i)
-            out[i] = at(i);
+        qFromBigEndian<quint16>(characters, length, text.data());
         return true;
     }
 
-    std::optional<QVariant> readValue()
+    bool readValue(QVariant &value)
     {
         quint32 type = 0;
         qint8 null = 0;
         if (!readInt(type) || !readInt(null) || null)
-            return std::nullopt;
+            return false;
         switch (type) {
         case QMetaType::Int: {
             qint32 number = 0;
-            return readInt(number) ? std::optional<QVariant>(number) : std::nullopt;
+            if (!readInt(number))
+                return false;
+            value = number;
+            return true;
         }
         case QMetaType::Double: {
             quint64 bits = 0;
             if (!readInt(bits))
-                return std::nullopt;
+                return false;
             double number;
             std::memcpy(&number, &bits, sizeof number);
-            return QVariant(number);
+            value = number;
+            return true;
         }
         case QMetaType::QString: {
             QString text;
-            return readString(text) ? std::optional<QVariant>(text) : std::nullopt;
+            if (!readString(text))
+                return false;
+            value = text;
+            return true;
         }
         case QMetaType::QRect: {
             qint32 left = 0, top = 0, right = 0, bottom = 0;
             if (!readInt(left) || !readInt(top) || !readInt(right) || !readInt(bottom))
-                return std::nullopt;
-            return QVariant(QRect(QPoint(left, top), QPoint(right, bottom)));
+                return false;
+            value = QRect(QPoint(left, top), QPoint(right, bottom));
+            return true;
         }
         default:
-            return std::nullopt;
+            return false;
         }
     }
 
@@ -225,13 +283,10 @@ private:
 
 QByteArray kelDataFlowRecord::encoded(QString *problem) const
 {
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    const RecordStream versioned(out);
-    out << dataType;
-    Encoder encoder(out);
+    Encoder encoder;
+    encoder.writeString(dataType);
     if (encoder.writeMap(properties))
-        return bytes;
+        return encoder.bytes();
     if (problem)
         *problem = encoder.problem();
     return QByteArray();
@@ -247,12 +302,17 @@ bool kelDataFlowRecord::read(QDataStream &in)
     properties.clear();
     quint32 count = 0;
     in >> dataType >> count;
-    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
-        QString key;
-        QVariant value;
-        in >> key >> value;
-        if (in.status() == QDataStream::Ok)
-            properties.insert(key, value);
+    try {
+        for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+            QString key;
+            QVariant value;
+            in >> key >> value;
+            if (in.status() == QDataStream::Ok)
+                properties.insert(key, value);
+        }
+    } catch (const std::bad_alloc &) {
+        // The toolkit takes the memory for as many elements as a list claims to have.
+        in.setStatus(QDataStream::ReadCorruptData);
     }
 
     const bool whole = in.status() == QDataStream::Ok;

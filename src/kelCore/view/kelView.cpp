@@ -41,8 +41,7 @@ bool hasPixels(const QSharedPointer<kelDataImage> &image)
 kelViewPrivate::kelViewPrivate()
 {
     showScene();
-    acquisition();
-    segmentation();
+    makeMissingItems();
 }
 
 kelViewPrivate::kelViewPrivate(const kelViewPrivate &other)
@@ -50,8 +49,9 @@ kelViewPrivate::kelViewPrivate(const kelViewPrivate &other)
       segmentationItem(other.segmentationItem), display(other.display)
 {
     showScene();
-    scene.addItem(acquisition());
-    scene.addItem(segmentation());
+    for (QGraphicsPixmapItem *item : {acquisition(), segmentation()})
+        if (item->scene() != &scene)
+            scene.addItem(item);
 }
 
 kelViewPrivate::~kelViewPrivate()
@@ -65,6 +65,30 @@ void kelViewPrivate::showScene()
     view = new QGraphicsView;
     view->setRenderHint(QPainter::Antialiasing);
     view->setScene(&scene);
+}
+
+QGraphicsPixmapItem *kelViewPrivate::acquisition()
+{
+    makeMissingItems();
+    return acquisitionItem.get();
+}
+
+QGraphicsPixmapItem *kelViewPrivate::segmentation()
+{
+    makeMissingItems();
+    return segmentationItem.get();
+}
+
+/// Makes the items again when a copy has taken them with it, underneath the rectangles that are there
+/// already.
+void kelViewPrivate::makeMissingItems()
+{
+    if (acquisitionItem.get() && segmentationItem.get())
+        return;
+    const QList<QGraphicsItem *> above = scene.items(Qt::AscendingOrder);
+    for (QGraphicsPixmapItem *item : {acquisitionItem.in(scene), segmentationItem.in(scene)})
+        if (!above.isEmpty())
+            item->stackBefore(above.first());
 }
 
 kelView::kelView() : nubAbstractView(*new kelViewPrivate) { }

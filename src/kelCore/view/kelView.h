@@ -39,7 +39,7 @@ public:
     QSharedPointer<kelDataImage> &getDisplay();
 
     /// Shows a frame, 8-bit in blue, green, red order, and fits scene and widget to it. OpenCV's colour
-    /// conversion throws for other channel counts.
+    /// conversion throws for what it cannot convert, such as two channels.
     void setAcquisitionImage(QSharedPointer<kelDataImage> image);
     /// Paints the frame black where the mask, one-channel 8-bit, is 255; an image without pixels hides the
     /// mask.

@@ -22,8 +22,8 @@ public:
     ~kelViewPrivate() override;
 
     /// The item for the frame, always underneath the mask's.
-    QGraphicsPixmapItem *acquisition() { return acquisitionItem.in(scene); }
-    QGraphicsPixmapItem *segmentation() { return segmentationItem.in(scene); }
+    QGraphicsPixmapItem *acquisition();
+    QGraphicsPixmapItem *segmentation();
 
     QGraphicsScene scene;
     QPointer<QGraphicsView> view; ///< Owned, but a parent that the application gave it may delete it first.
@@ -35,6 +35,7 @@ public:
 
 private:
     void showScene();
+    void makeMissingItems();
 };
 
 #endif
