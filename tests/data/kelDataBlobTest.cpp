@@ -83,3 +83,55 @@ TEST(kelDataBlobTest, TheSlicingWarningIsSilentAboveItsLevel)
     blob.copy(kelDataImage());
     EXPECT_TRUE(messages.lines().isEmpty());
 }
+
+TEST(kelDataBlobTest, ReadAndWriteAreTheDefaults)
+{
+    kelDataBlob blob;
+    const LogLevel level(1);
+    MessageCapture messages;
+    EXPECT_FALSE(blob.read(QString("file")));
+    EXPECT_FALSE(blob.write(QString("file")));
+    EXPECT_EQ(
+        messages.lines(),
+        (QStringList{defaultNotice("virtual bool kelAbstractData::read(const QString&)", "kelDataBlob"),
+                     defaultNotice("virtual bool kelAbstractData::write(const QString&)", "kelDataBlob")}));
+}
+
+TEST(kelDataBlobTest, TheRecordedBoxIsReadFromAMapThatWasSet)
+{
+    kelDataBlob blob;
+    QVariantMap map{{"BoundingBox2D", QRect(1, 2, 3, 4)}, {"other", 5}};
+    blob.setMap(map);
+    EXPECT_EQ(blob.getBoundingBox2D_qt(), QRect(1, 2, 3, 4));
+    map.insert("BoundingBox2D", "no rectangle");
+    blob.setMap(map);
+    EXPECT_TRUE(blob.getBoundingBox2D_qt().isNull());
+}
+
+TEST(kelDataBlobTest, TheGetterGivesTheStoredBoxItself)
+{
+    kelDataBlob blob;
+    const cv::Rect &stored = blob.getBoundingBox2D();
+    blob.setBoundingBox2D(cv::Rect(1, 2, 3, 4));
+    EXPECT_EQ(stored, cv::Rect(1, 2, 3, 4));
+}
+
+TEST(kelDataBlobTest, ACopyTakesTheParent)
+{
+    QObject parent;
+    kelDataBlob blob;
+    blob.setParent(&parent);
+    const kelDataBlob copy(blob);
+    EXPECT_EQ(copy.parent(), &parent);
+}
+
+TEST(kelDataBlobTest, AssigningABlobToItselfLosesNothing)
+{
+    kelDataBlob blob;
+    blob.setBoundingBox2D(cv::Rect(1, 2, 3, 4));
+    blob.setBoundingBox2D_qt(QRect(5, 6, 7, 8));
+    const kelDataBlob &same = blob;
+    EXPECT_EQ(&(blob = same), &blob);
+    EXPECT_EQ(blob.getBoundingBox2D(), cv::Rect(1, 2, 3, 4));
+    EXPECT_EQ(blob.getBoundingBox2D_qt(), QRect(5, 6, 7, 8));
+}
