@@ -16,5 +16,8 @@ if(KEL_QT_MAJOR EQUAL 6)
 else()
   set(pc_qt "Qt5Core Qt5Gui Qt5Widgets Qt5Xml")
 endif()
+# The prefix as seen from the folder of the .pc file: an installed tree can be moved.
+file(RELATIVE_PATH pc_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
 configure_file(${CMAKE_SOURCE_DIR}/cmake/kelCore.pc.in ${CMAKE_BINARY_DIR}/kelCore.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/kelCore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

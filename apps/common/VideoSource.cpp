@@ -27,7 +27,14 @@ VideoSource::VideoSource(const QString &name) : m_name(name)
 bool VideoSource::reopen()
 {
     m_next = 0;
-    return isCamera() ? m_capture.open(m_camera) : m_capture.open(QFile::encodeName(m_name).toStdString());
+    if (isCamera())
+        return m_capture.open(m_camera);
+    // Named one by one: left to itself, OpenCV also looks for photo cameras on every bus.
+    const std::string path = QFile::encodeName(m_name).toStdString();
+    for (const int backend : {cv::CAP_FFMPEG, cv::CAP_GSTREAMER, cv::CAP_IMAGES, cv::CAP_OPENCV_MJPEG})
+        if (m_capture.open(path, backend))
+            return true;
+    return false;
 }
 
 double VideoSource::framesPerSecond() const

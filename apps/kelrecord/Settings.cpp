@@ -23,7 +23,8 @@ const char *const notes = R"(Examples:
 The recording is two files in DIR: dataflow.xml, the document, and dataflow.dat, one
 record per blob. It is complete at every moment; kelreplay reads it. Each frame parses
 and rewrites the whole document, so its cost grows with the frames already
-recorded: from about 2,000 frames on that is felt (docs/performance.md has figures).
+recorded: from about 1,000 frames on that is felt, at some 50 ms a frame
+(docs/performance.md has figures).
 
 Exit codes:
   0  done, also when ended by Ctrl-C
