@@ -13,6 +13,7 @@
 #include <nubCore/nubAbstractView_p.h>
 
 #include "support/Capture.h"
+#include "support/VirtualSlot.h"
 
 #include <cstring>
 #include <memory>
@@ -45,15 +46,6 @@ const std::vector<Kind> &kinds()
         kind<kelAbstractDataStream>("kelAbstractDataStream"),
     };
     return all;
-}
-
-/// Index of a virtual operation in its class's table, as the Itanium C++ ABI numbers it.
-template <class Signature, class Class> int slot(Signature Class::*operation)
-{
-    std::ptrdiff_t words[2];
-    static_assert(sizeof operation == sizeof words, "a pointer to a member function is two words");
-    std::memcpy(words, &operation, sizeof words);
-    return static_cast<int>((words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void *)));
 }
 
 void expectConsecutive(const std::vector<int> &order, int first)

@@ -517,3 +517,33 @@ TEST(kelDataFlowRecordTest, NothingIsReadFromNothing)
     EXPECT_TRUE(record.dataType.isEmpty());
     EXPECT_TRUE(record.properties.isEmpty());
 }
+
+TEST(kelDataFlowRecordTest, ContainersInContainersAreReadToAGreatDepth)
+{
+    QVariant value = 7;
+    for (int i = 0; i < 300; ++i)
+        value = i % 2 ? QVariant(QVariantList{value, i}) : QVariant(QVariantMap{{"k", value}, {"i", i}});
+    const kelDataFlowRecord written{"kelDataBlob", {{"deep", value}}};
+    const QByteArray bytes = written.encoded();
+    kelDataFlowRecord record;
+    EXPECT_EQ(record.decode(bytes.constData(), bytes.size()), bytes.size());
+    EXPECT_EQ(record.properties, written.properties);
+}
+
+TEST(kelDataFlowRecordTest, ADepthThatNoStackHoldsIsCorrupt)
+{
+    const QByteArray level = QByteArray::fromHex("00000009"
+                                                 "00"
+                                                 "00000001"); // a list of one element
+    const kelDataFlowRecord empty{"kelDataBlob", {{"deep", QVariant()}}};
+    QByteArray bytes = empty.encoded();
+    bytes.chop(9); // the invalid value: type, null flag, null text
+    bytes += level.repeated(200000);
+    kelDataFlowRecord record;
+    EXPECT_EQ(record.decode(bytes.constData(), bytes.size()), 0);
+    QDataStream in(bytes);
+    EXPECT_FALSE(record.read(in));
+    EXPECT_EQ(in.status(), QDataStream::ReadCorruptData);
+    EXPECT_EQ(record.dataType, "kelDataBlob");
+    EXPECT_TRUE(record.properties.isEmpty());
+}

@@ -17,6 +17,8 @@
 #include <kelCore/process/kelAbstractProcessSegmentation.h>
 #include <kelCore/process/kelAbstractProcessSegmentation_p.h>
 
+#include "support/VirtualSlot.h"
+
 #include <gtest/gtest.h>
 
 #include <QMetaObject>
@@ -26,15 +28,6 @@
 #include <vector>
 
 namespace {
-
-/// Index of a virtual operation in its class's table, as the Itanium C++ ABI numbers it.
-template <class Signature, class Class> int slot(Signature Class::*operation)
-{
-    std::ptrdiff_t words[2];
-    static_assert(sizeof operation == sizeof words, "a pointer to a member function is two words");
-    std::memcpy(words, &operation, sizeof words);
-    return static_cast<int>((words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void *)));
-}
 
 /// The operations that a stage appends stand in that order behind `setSpecificParameters`.
 void expectAppended(const std::vector<int> &order)

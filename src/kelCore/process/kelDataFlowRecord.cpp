@@ -1,5 +1,7 @@
 #include <kelCore/process/kelDataFlowRecord.h>
 
+#include <kelCore/process/kelVariant_p.h>
+
 #include <QDataStream>
 #include <QIODevice>
 #include <QMetaType>
@@ -29,19 +31,6 @@ private:
     QDataStream &m_stream;
     int m_version;
 };
-
-bool hasStreamOperators(const QVariant &value)
-{
-    if (!value.isValid())
-        return true;
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    return value.metaType().hasRegisteredDataStreamOperators();
-#else
-    QByteArray bytes;
-    QDataStream trial(&bytes, QIODevice::WriteOnly);
-    return QMetaType::save(trial, value.userType(), value.constData());
-#endif
-}
 
 /// Writes a record's values. The toolkit's own map operator is not used: its order of keys changed with Qt 6,
 /// and it writes nothing at all for a value whose type has no stream operators. Values of the common types
@@ -110,7 +99,7 @@ private:
         }
         if (!value.isNull() && writeCommonValue(value))
             return true;
-        if (!hasStreamOperators(value)) {
+        if (!kelVariant::hasStreamOperators(value)) {
             m_problem =
                 QStringLiteral("entry \"%1\" of type %2 is not recorded: the type has no stream operators")
                     .arg(key, QString::fromLatin1(value.typeName()));
@@ -279,6 +268,101 @@ private:
     const char *m_end;
 };
 
+/// Reads a record's values from a stream. Containers are taken apart here: the toolkit would take the memory
+/// for as many elements, and the stack for as many levels, as corrupt bytes claim to hold.
+class StreamReader
+{
+public:
+    explicit StreamReader(QDataStream &in) : m_in(in) { }
+
+    /// What cannot be read whole is left out.
+    void readMap(QVariantMap &map)
+    {
+        map.clear();
+        quint32 count = 0;
+        m_in >> count;
+        for (quint32 i = 0; i < count && ok(); ++i) {
+            QString key;
+            m_in >> key;
+            const QVariant value = readValue();
+            if (ok())
+                map.insert(key, value);
+        }
+    }
+
+private:
+    bool ok() const { return m_in.status() == QDataStream::Ok; }
+
+    QVariant readValue()
+    {
+        const QByteArray header = m_in.device() ? m_in.device()->peek(headerSize) : QByteArray();
+        const bool bigEndian = m_in.byteOrder() == QDataStream::BigEndian;
+        const quint32 type = header.size() < headerSize ? 0
+            : bigEndian                                 ? qFromBigEndian<quint32>(header.constData())
+                                                        : qFromLittleEndian<quint32>(header.constData());
+        switch (type) {
+        case QMetaType::QVariantMap:
+        case QMetaType::QVariantHash:
+        case QMetaType::QVariantList: {
+            m_in.skipRawData(headerSize);
+            if (++m_depth > deepest)
+                m_in.setStatus(QDataStream::ReadCorruptData);
+            const QVariant container = readContainer(type, header.at(4) != 0);
+            --m_depth;
+            return container;
+        }
+        default:
+            return readPlainValue();
+        }
+    }
+
+    QVariant readContainer(quint32 type, bool isNull)
+    {
+        QVariantList list;
+        QVariantMap map;
+        if (type == QMetaType::QVariantList)
+            readList(list);
+        else
+            readMap(map);
+        if (isNull && list.isEmpty() && map.isEmpty())
+            return kelVariant::null(static_cast<int>(type));
+        if (type == QMetaType::QVariantList)
+            return list;
+        if (type == QMetaType::QVariantMap)
+            return map;
+        QVariantHash hash;
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            hash.insert(it.key(), it.value());
+        return hash;
+    }
+
+    void readList(QVariantList &list)
+    {
+        quint32 count = 0;
+        m_in >> count;
+        for (quint32 i = 0; i < count && ok(); ++i)
+            list.append(readValue());
+    }
+
+    QVariant readPlainValue()
+    {
+        QVariant value;
+        try {
+            m_in >> value;
+        } catch (const std::bad_alloc &) { // a corrupt size, of a list of strings for one
+            m_in.setStatus(QDataStream::ReadCorruptData);
+        }
+        return value;
+    }
+
+    static constexpr int headerSize = 5; ///< type and null flag
+    static constexpr int deepest =
+        1000; ///< levels of containers; no stack is deep enough for what bytes may claim
+
+    QDataStream &m_in;
+    int m_depth = 0;
+};
+
 } // namespace
 
 QByteArray kelDataFlowRecord::encoded(QString *problem) const
@@ -299,21 +383,8 @@ bool kelDataFlowRecord::read(QDataStream &in)
     in.resetStatus();
 
     dataType.clear();
-    properties.clear();
-    quint32 count = 0;
-    in >> dataType >> count;
-    try {
-        for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
-            QString key;
-            QVariant value;
-            in >> key >> value;
-            if (in.status() == QDataStream::Ok)
-                properties.insert(key, value);
-        }
-    } catch (const std::bad_alloc &) {
-        // The toolkit takes the memory for as many elements as a list claims to have.
-        in.setStatus(QDataStream::ReadCorruptData);
-    }
+    in >> dataType;
+    StreamReader(in).readMap(properties);
 
     const bool whole = in.status() == QDataStream::Ok;
     if (before != QDataStream::Ok) {
