@@ -22,6 +22,7 @@ public:
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, ComponentBlobs)
+    Q_DISABLE_COPY(ComponentBlobs) // a copy would need a private object of its own kind
 };
 
 #endif

@@ -24,6 +24,7 @@ public:
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, Mog2Segmentation)
+    Q_DISABLE_COPY(Mog2Segmentation) // a copy would need a private object of its own kind
 };
 
 #endif

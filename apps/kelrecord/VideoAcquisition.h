@@ -26,6 +26,7 @@ public:
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, VideoAcquisition)
+    Q_DISABLE_COPY(VideoAcquisition) // a copy would need a private object of its own kind
 };
 
 #endif
