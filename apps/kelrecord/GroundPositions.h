@@ -7,13 +7,8 @@
 #include <QList>
 #include <QSharedPointer>
 
-class QString;
 class kelAbstractDataCalibration;
 class kelDataBlob;
-
-/// Reads the calibration file at `path`.
-/// \throws Failure when it cannot be read, or its camera cannot project.
-kelAbstractDataCalibration readCalibration(const QString &path);
 
 /// Adds to each blob's record the entry "GroundPosition": the world point, X and Y, on which its foot stands,
 /// the middle of its lower edge. A blob whose foot is seen at no point of the ground gets none.

@@ -10,7 +10,8 @@
 #include <QApplication>
 #include <QWidget>
 
-LiveView::LiveView(const Settings &settings, const VideoSource &source) : m_settings(settings)
+LiveView::LiveView(const Settings &settings, const VideoSource &source)
+    : m_settings(settings), m_overlay(settings.calibration, settings.context)
 {
     if (settings.show && !hasDisplay() && !settings.quiet)
         say(QStringLiteral("there is no display, so --show shows nothing; --render draws without one"));
@@ -36,7 +37,9 @@ void LiveView::add(int number, const QSharedPointer<kelDataImage> &frame,
     m_view.setBlobs(blobs);
     if (draw) {
         m_view.updateDisplay();
-        m_sink->add(static_cast<quint32>(number), m_view.getDisplay()->getImage());
+        cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
+        m_overlay.draw(picture);
+        m_sink->add(static_cast<quint32>(number), picture);
     }
     if (m_window)
         QApplication::processEvents();

@@ -5,6 +5,7 @@
 /// What a run looks like while it is recorded.
 
 #include "common/PictureSink.h"
+#include "common/SceneOverlay.h"
 
 #include <kelCore/view/kelView.h>
 
@@ -30,6 +31,7 @@ public:
 
 private:
     const Settings &m_settings;
+    SceneOverlay m_overlay; ///< over drawn frames
     kelView m_view;
     bool m_window = false;
     std::optional<PictureSink> m_sink;

@@ -72,7 +72,12 @@ std::optional<Settings> readSettings(const QStringList &arguments)
            "are taken.",
            "N");
     option("max-frames", "Record at most N frames in this run.", "N");
-    option("calibration", "Calibration of the camera: each blob then carries its foot point on the ground.",
+    option("calibration",
+           "Calibration of the camera: each blob then carries its foot point on the ground, and drawn frames "
+           "show a grid "
+           "on the ground.",
+           "FILE");
+    option("context", "Zones, walls and objects of the scene, to show on drawn frames; needs --calibration.",
            "FILE");
     option("show", "Show each frame in a window; closing it ends the recording.");
     option("render",
@@ -108,6 +113,7 @@ std::optional<Settings> readSettings(const QStringList &arguments)
     settings.framesPerSecond = realOption(parser, QStringLiteral("fps"), 0);
     settings.maxFrames = integerOption(parser, QStringLiteral("max-frames"), 1, INT_MAX);
     settings.calibration = absolute(parser.value(QStringLiteral("calibration")));
+    settings.context = absolute(parser.value(QStringLiteral("context")));
     settings.show = parser.isSet(QStringLiteral("show"));
     settings.render = absolute(parser.value(QStringLiteral("render")));
     settings.renderEvery = integerOption(parser, QStringLiteral("render-every"), 1, 1);

@@ -22,6 +22,7 @@ struct Settings
     double framesPerSecond = 0; ///< 0: what the file says
     int maxFrames = INT_MAX;
     QString calibration;
+    QString context;
     bool show = false;
     QString render;
     int renderEvery = 1;

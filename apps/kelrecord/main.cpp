@@ -3,6 +3,7 @@
 
 #include "common/Program.h"
 #include "common/Recording.h"
+#include "common/SceneOverlay.h"
 #include "common/VideoSource.h"
 #include "kelrecord/ComponentBlobs.h"
 #include "kelrecord/GroundPositions.h"

@@ -70,8 +70,10 @@ void ReplayView::show(int index)
     m_view.setBlobs(blobs);
 }
 
-cv::Mat ReplayView::picture()
+cv::Mat ReplayView::picture(const SceneOverlay &overlay)
 {
     m_view.updateDisplay();
-    return m_view.getDisplay()->getImage();
+    cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
+    overlay.draw(picture);
+    return picture;
 }

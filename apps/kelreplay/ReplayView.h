@@ -5,6 +5,7 @@
 /// Recorded frames in the base view.
 
 #include "common/Recording.h"
+#include "common/SceneOverlay.h"
 #include "common/VideoSource.h"
 
 #include <kelCore/view/kelView.h>
@@ -21,8 +22,8 @@ public:
 
     /// Shows the frame at `index` of the recording.
     void show(int index);
-    /// The frame shown last, rendered.
-    cv::Mat picture();
+    /// The frame shown last, rendered, with the overlay drawn over it.
+    cv::Mat picture(const SceneOverlay &overlay);
     QWidget *widget() { return m_view.widget(); }
 
 private:

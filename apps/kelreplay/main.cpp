@@ -36,6 +36,8 @@ Examples:
   kelreplay info run1
   kelreplay frame run1 120 --json
   kelreplay render run1 120 frame.png --video street.avi
+  kelreplay render run1 120 frame.png --video street.avi \
+            --calibration camera.yml --context zones.yml
   kelreplay cat run1 | head
 
 A run that was killed may hold records of a frame that its document does not hold yet,
@@ -154,12 +156,13 @@ void show(const Recording &recording, const QString &video)
     QApplication::exec();
 }
 
-void render(const Recording &recording, const QString &number, const QString &target, const QString &video)
+void render(const Recording &recording, const QString &number, const QString &target, const QString &video,
+            const SceneOverlay &overlay)
 {
     recording.check();
     ReplayView view(recording, video);
     view.show(framesNumbered(recording, number).front());
-    writePng(target, view.picture());
+    writePng(target, view.picture(overlay));
     print(QStringLiteral("drew frame %1 to %2").arg(number, target));
 }
 
@@ -188,6 +191,13 @@ void replay(const QStringList &arguments)
     parser.addOption({QStringLiteral("json"), QStringLiteral("Print a frame as JSON.")});
     parser.addOption({QStringLiteral("video"), QStringLiteral("The video that was recorded, to draw over."),
                       QStringLiteral("V")});
+    parser.addOption({QStringLiteral("calibration"),
+                      QStringLiteral("Calibration of the camera, to draw a grid on the ground with render."),
+                      QStringLiteral("FILE")});
+    parser.addOption(
+        {QStringLiteral("context"),
+         QStringLiteral("Zones, walls and objects of the scene, to draw with render; needs --calibration."),
+         QStringLiteral("FILE")});
     if (!parse(parser, arguments, QString::fromLatin1(usage), QString::fromLatin1(notes)))
         return;
 
@@ -197,6 +207,8 @@ void replay(const QStringList &arguments)
         std::function<void(const Recording &, const QStringList &)> run;
     };
     const QString video = parser.value(QStringLiteral("video"));
+    const QString calibration = parser.value(QStringLiteral("calibration"));
+    const QString context = parser.value(QStringLiteral("context"));
     const bool json = parser.isSet(QStringLiteral("json"));
     const std::map<QString, Command> commands{
         {QStringLiteral("info"), {{}, [](auto &recording, auto &) { info(recording); }}},
@@ -205,7 +217,10 @@ void replay(const QStringList &arguments)
         {QStringLiteral("verify"), {{}, [](auto &recording, auto &) { verify(recording); }}},
         {QStringLiteral("show"), {{}, [&](auto &recording, auto &) { show(recording, video); }}},
         {QStringLiteral("render"),
-         {{"N OUT.png"}, [&](auto &recording, auto &rest) { render(recording, rest[0], rest[1], video); }}},
+         {{"N OUT.png"},
+          [&](auto &recording, auto &rest) {
+              render(recording, rest[0], rest[1], video, SceneOverlay(calibration, context));
+          }}},
         {QStringLiteral("cat"), {{}, [](auto &recording, auto &) { cat(recording); }}},
     };
 

@@ -45,6 +45,29 @@ struct Projection
     }
 };
 
+/// Not inlined on purpose: a pixel that arrives as two numbers stays in registers, while one that arrives as
+/// a struct would go through memory, on which each call would wait.
+__attribute__((noinline)) cv::Point3d backProject(const cv::Mat &K, const cv::Mat &E, double u, double v,
+                                                  double height)
+{
+    const Projection P(K, E);
+
+    // The two equations of the projection, linear in X and Y once Z is the height, by Cramer's rule.
+    const double D = (P(2, 1) * P(1, 0) - P(2, 0) * P(1, 1)) * u + (P(0, 1) * P(2, 0) - P(0, 0) * P(2, 1)) * v
+        + P(0, 0) * P(1, 1) - P(0, 1) * P(1, 0);
+    if (D == 0.0)
+        throw int(-1);
+
+    const double a0 = P(0, 2) * height + P(0, 3);
+    const double a1 = P(1, 2) * height + P(1, 3);
+    const double a2 = P(2, 2) * height + P(2, 3);
+    const double b0 = a0 - a2 * u;
+    const double b1 = a1 - a2 * v;
+    const double X = ((v * P(2, 1) - P(1, 1)) * b0 - (u * P(2, 1) - P(0, 1)) * b1) / D;
+    const double Y = ((u * P(2, 0) - P(0, 0)) * b1 - (v * P(2, 0) - P(1, 0)) * b0) / D;
+    return cv::Point3d(X, Y, height);
+}
+
 cv::Mat readMatrix(const cv::FileStorage &storage, const char *key)
 {
     cv::Mat matrix;
@@ -175,29 +198,14 @@ double kelAbstractDataCalibration::compute_3d_height(cv::Point2i pixel, double h
 
 cv::Point3d kelAbstractDataCalibration::imageToWorld(cv::Point2d pixel, double height) const
 {
-    const Projection P(getIntrinsicMatrix(), getExtrinsicMatrix());
-    const double u = pixel.x;
-    const double v = pixel.y;
-
-    // The two equations of the projection, linear in X and Y once Z is the height, by Cramer's rule.
-    const double D = (P(2, 1) * P(1, 0) - P(2, 0) * P(1, 1)) * u + (P(0, 1) * P(2, 0) - P(0, 0) * P(2, 1)) * v
-        + P(0, 0) * P(1, 1) - P(0, 1) * P(1, 0);
-    if (D == 0.0)
-        throw int(-1);
-
-    const double a0 = P(0, 2) * height + P(0, 3);
-    const double a1 = P(1, 2) * height + P(1, 3);
-    const double a2 = P(2, 2) * height + P(2, 3);
-    const double b0 = a0 - a2 * u;
-    const double b1 = a1 - a2 * v;
-    const double X = ((v * P(2, 1) - P(1, 1)) * b0 - (u * P(2, 1) - P(0, 1)) * b1) / D;
-    const double Y = ((u * P(2, 0) - P(0, 0)) * b1 - (v * P(2, 0) - P(1, 0)) * b0) / D;
-    return cv::Point3d(X, Y, height);
+    Q_D(const kelAbstractDataCalibration);
+    return backProject(d->intrinsicMatrix, d->extrinsicMatrix, pixel.x, pixel.y, height);
 }
 
 cv::Point2d kelAbstractDataCalibration::worldToImage(cv::Point3d point) const
 {
-    const Projection P(getIntrinsicMatrix(), getExtrinsicMatrix());
+    Q_D(const kelAbstractDataCalibration);
+    const Projection P(d->intrinsicMatrix, d->extrinsicMatrix);
     const double depth = P.row(2, point);
     return cv::Point2d(P.row(0, point) / depth, P.row(1, point) / depth);
 }

@@ -1,0 +1,54 @@
+#include <kelCore/process/kelAbstractProcessMessageSender.h>
+#include <kelCore/process/kelAbstractProcessMessageSender_p.h>
+
+#include <nubCore/nubNotice.h>
+
+kelAbstractProcessMessageSender::kelAbstractProcessMessageSender()
+    : kelAbstractProcess(*new kelAbstractProcessMessageSenderPrivate)
+{ }
+
+kelAbstractProcessMessageSender::kelAbstractProcessMessageSender(const kelAbstractProcessMessageSender &other)
+    : kelAbstractProcess(*new kelAbstractProcessMessageSenderPrivate(*other.d_func()), other.parent())
+{ }
+
+kelAbstractProcessMessageSender::kelAbstractProcessMessageSender(kelAbstractProcessMessageSenderPrivate &dd,
+                                                                 QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
+kelAbstractProcessMessageSender::~kelAbstractProcessMessageSender() = default;
+
+kelAbstractProcessMessageSender &
+kelAbstractProcessMessageSender::operator=(const kelAbstractProcessMessageSender &other)
+{
+    copy(other);
+    return *this;
+}
+
+kelAbstractProcessMessageSender *kelAbstractProcessMessageSender::clone()
+{
+    return new kelAbstractProcessMessageSender(*this);
+}
+
+void kelAbstractProcessMessageSender::copy(const nubAbstractObject &other)
+{
+    kelAbstractProcess::copy(other);
+    if (other.identifier() != identifier())
+        nub::warnSlicing();
+}
+
+QString kelAbstractProcessMessageSender::identifier() const
+{
+    return QStringLiteral("kelAbstractProcessMessageSender");
+}
+
+bool kelAbstractProcessMessageSender::setParameterFile(std::string)
+{
+    return nub::defaultBody<bool>(
+        this, "virtual bool kelAbstractProcessMessageSender::setParameterFile(std::string)");
+}
+
+void kelAbstractProcessMessageSender::sendMsg(std::string)
+{
+    nub::defaultBody(this, "virtual void kelAbstractProcessMessageSender::sendMsg(std::string)");
+}

@@ -1,0 +1,18 @@
+#include <kelCore/process/kelAbstractProcessPeopleDetector.h>
+#include <kelCore/process/kelAbstractProcessPeopleDetector_p.h>
+
+kelAbstractProcessPeopleDetector::kelAbstractProcessPeopleDetector()
+    : kelAbstractProcess(*new kelAbstractProcessPeopleDetectorPrivate)
+{ }
+
+kelAbstractProcessPeopleDetector::kelAbstractProcessPeopleDetector(
+    const kelAbstractProcessPeopleDetector &other)
+    : kelAbstractProcess(*new kelAbstractProcessPeopleDetectorPrivate(*other.d_func()), other.parent())
+{ }
+
+kelAbstractProcessPeopleDetector::kelAbstractProcessPeopleDetector(
+    kelAbstractProcessPeopleDetectorPrivate &dd, QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
+kelAbstractProcessPeopleDetector::~kelAbstractProcessPeopleDetector() = default;

@@ -1,0 +1,47 @@
+#include <kelCore/process/kelAbstractProcessXMLReaderWriter.h>
+#include <kelCore/process/kelAbstractProcessXMLReaderWriter_p.h>
+
+#include <QFile>
+
+#include <utility>
+
+kelAbstractProcessXMLReaderWriter::kelAbstractProcessXMLReaderWriter()
+    : kelAbstractProcess(*new kelAbstractProcessXMLReaderWriterPrivate)
+{ }
+
+kelAbstractProcessXMLReaderWriter::kelAbstractProcessXMLReaderWriter(
+    const kelAbstractProcessXMLReaderWriter &other)
+    : kelAbstractProcess(*new kelAbstractProcessXMLReaderWriterPrivate(*other.d_func()), other.parent())
+{ }
+
+kelAbstractProcessXMLReaderWriter::kelAbstractProcessXMLReaderWriter(
+    kelAbstractProcessXMLReaderWriterPrivate &dd, QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
+kelAbstractProcessXMLReaderWriter::~kelAbstractProcessXMLReaderWriter() = default;
+
+void kelAbstractProcessXMLReaderWriter::setInputXML(std::string path)
+{
+    QFile file(QFile::decodeName(path.c_str()));
+    QDomDocument document;
+    // The toolkit complains about an empty name, and keeps what it read of a malformed document.
+    if (path.empty() || !file.open(QIODevice::ReadOnly) || !document.setContent(&file))
+        document = QDomDocument();
+    d_func()->document = document;
+}
+
+void kelAbstractProcessXMLReaderWriter::setOutputXML(std::string path)
+{
+    d_func()->outputXML = std::move(path);
+}
+
+QList<QSharedPointer<kelDataPhysicalObject>> kelAbstractProcessXMLReaderWriter::getPhysicalObjectList()
+{
+    return d_func()->physicalObjects;
+}
+
+QList<QSharedPointer<kelDataActor>> kelAbstractProcessXMLReaderWriter::getActorList()
+{
+    return d_func()->actors;
+}
