@@ -92,18 +92,18 @@ public:
         cv::addWeighted(filled, 0.3, m_picture, 0.7, 0, m_picture);
     }
 
-    void label(const std::vector<cv::Point3d> &points, const std::string &text, const cv::Scalar &color)
+    void label(const std::vector<cv::Point3d> &points, const std::string &text)
     {
         cv::Point3d middle;
         for (const cv::Point3d &point : points)
             middle += point * (1.0 / double(points.size()));
         if (const auto at = project(middle); at && !points.empty())
-            write(text, cv::Point(cvRound(at->x), cvRound(at->y)), color);
+            write(text, cv::Point(cvRound(at->x), cvRound(at->y)));
     }
 
-    void write(const std::string &text, const cv::Point &at, const cv::Scalar &color)
+    void write(const std::string &text, const cv::Point &at)
     {
-        const cv::Scalar shadow(0, 0, 0, 255);
+        const cv::Scalar color(255, 255, 255, 255), shadow(0, 0, 0, 255);
         cv::putText(m_picture, text, at, cv::FONT_HERSHEY_SIMPLEX, 0.5, shadow, 3, cv::LINE_AA);
         cv::putText(m_picture, text, at, cv::FONT_HERSHEY_SIMPLEX, 0.5, color, 1, cv::LINE_AA);
     }
@@ -171,8 +171,7 @@ void drawGrid(Painter &painter, const cv::Point3d &camera)
         painter.line({x0 + d, y0 - half, 0}, {x0 + d, y0 + half, 0}, gridColor, 1);
         painter.line({x0 - half, y0 + d, 0}, {x0 + half, y0 + d, 0}, gridColor, 1);
     }
-    painter.write("ground grid: " + QString::number(spacing).toStdString() + " units", {8, size.height - 10},
-                  gridColor);
+    painter.write("ground grid: " + QString::number(spacing).toStdString() + " units", {8, size.height - 10});
 }
 
 void drawElement(Painter &painter, const ContextElement &element)
@@ -206,7 +205,7 @@ void drawElement(Painter &painter, const ContextElement &element)
             painter.fill(points, color);
         painter.outline(points, closed, color);
     }
-    painter.label(points, element.name, color);
+    painter.label(points, element.name);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 /// kelrecord and kelreplay, run as their users run them.
 
 #include <kelCore/data/CSynchronizer.h>
+#include <kelCore/data/kelAbstractDataCalibration.h>
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessDataFlowReader.h>
@@ -544,6 +545,59 @@ TEST_F(programsTest, ACalibrationAddsFootPointsToTheRecords)
     EXPECT_NEAR(at(ground, "x").toDouble(), (found[0].x + found[0].width / 2.0 - 80) / 10, 1e-9);
     EXPECT_NEAR(at(ground, "y").toDouble(), -(found[0].y + found[0].height - 60) / 10.0, 1e-9);
     EXPECT_EQ(kelreplay({"verify", "run"}).code, 0);
+}
+
+TEST_F(programsTest, DrawnFramesShowTheGroundGridAndTheContext)
+{
+    const QString data = QStringLiteral(KEL_SOURCE_DIR "/examples/data/");
+    const QStringList calibration{"--calibration", data + "vtest_camera.yml"};
+    const QStringList context{"--context", data + "vtest_context.yml"};
+    {
+        cv::VideoWriter video("street.avi", cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), 7, {768, 576});
+        for (int i = 0; i < 2; ++i)
+            video.write(cv::Mat(576, 768, CV_8UC3, cv::Scalar(90, 90, 90)));
+    }
+    ASSERT_EQ(
+        kelrecord(QStringList{"street.avi", "--out", "run", "--render", "scene"} + calibration + context)
+            .code,
+        0);
+    ASSERT_EQ(kelrecord(QStringList{"street.avi", "--out", "plain", "--render", "plain"}).code, 0);
+    const cv::Mat scene = cv::imread("scene/frame_000000.png");
+    const cv::Mat plain = cv::imread("plain/frame_000000.png");
+    ASSERT_EQ(scene.size(), plain.size());
+    // In the middle of a zone of the context, the picture is redder than before.
+    kelAbstractDataCalibration camera;
+    ASSERT_TRUE(camera.read(data + "vtest_camera.yml"));
+    cv::FileStorage file((data + "vtest_context.yml").toStdString(), cv::FileStorage::READ);
+    const cv::FileNode zone = file["contextList"][0];
+    cv::Point3d middle;
+    for (const cv::FileNode point : zone["points"])
+        middle += cv::Point3d(double(point["x"]), double(point["y"]), double(point["z"]))
+            / double(zone["points"].size());
+    const cv::Point2d at = camera.worldToImage(middle);
+    const cv::Rect around(cvRound(at.x) - 12, cvRound(at.y) + 6, 24, 8); // beside the label
+    EXPECT_GT(cv::mean(scene(around))[2], cv::mean(plain(around))[2] + 30);
+    // The grid lies on the ground alone: nothing above the horizon, a line somewhere in each part below it.
+    const auto changed = [&](const cv::Rect &part) {
+        return cv::norm(scene(part), plain(part), cv::NORM_INF) > 0;
+    };
+    EXPECT_FALSE(changed({600, 0, 168, 40}));
+    for (int x = 0; x < 768; x += 192)
+        EXPECT_TRUE(changed({x, 400, 192, 140})) << x;
+
+    ASSERT_EQ(kelreplay(QStringList{"render", "run", "0", "replayed.png", "--video", "street.avi"}
+                        + calibration + context)
+                  .code,
+              0);
+    EXPECT_EQ(cv::norm(cv::imread("replayed.png"), scene, cv::NORM_INF), 0);
+
+    const Ended alone = kelreplay(QStringList{"render", "run", "0", "x.png"} + context);
+    EXPECT_EQ(alone.code, 2) << alone;
+    EXPECT_TRUE(alone.oneLine()) << alone;
+    const Ended bad =
+        kelreplay(QStringList{"render", "run", "0", "x.png", "--context", "street.avi"} + calibration);
+    EXPECT_EQ(bad.code, 1) << bad;
+    EXPECT_TRUE(bad.oneLine()) << bad;
 }
 
 TEST_F(programsTest, ProgressIsALineAtATimeWithoutATerminal)
