@@ -48,11 +48,9 @@ public:
     /// Every element of the sequence is kept, with "semantic", "shape", "height" and "name". Geometry is read
     /// for these pairs:
     ///
-    /// | semantic           | shape   | read |
-    /// |--------------------|---------|----------------------------------------------------------------------|
-    /// | zone, object, wall | polygon | "points" are the polygon's vertices; "isClosed" | | zone, object |
-    /// circle  | the last of "points" is the centre; "radius"                         | | object | cube    |
-    /// "points" are the cube's vertices; "isClosed"                         |
+    /// - polygon of a zone, an object or a wall: "points" are its vertices; "isClosed";
+    /// - circle of a zone or an object: the last of "points" is its centre; "radius";
+    /// - cube of an object: "points" are its vertices; "isClosed".
     ///
     /// Values are never rejected. A text that is missing or no text is empty. A missing number is 0; one that
     /// is no number is 1e300, or 2147483647 for "isClosed", which is rounded to the nearest integer.

@@ -36,7 +36,7 @@ template <class T> void widen(Range &range, const uchar *data, std::size_t count
 
     const T *values = reinterpret_cast<const T *>(data);
     const T *const end = values + count;
-    for (; values + packs * lanes <= end; values += packs * lanes) {
+    for (std::size_t rounds = count / (packs * lanes); rounds > 0; --rounds, values += packs * lanes) {
         for (std::size_t p = 0; p < packs; ++p) {
             Pack pack;
             std::memcpy(&pack, values + p * lanes, sizeof pack);
