@@ -26,7 +26,7 @@ public:
     unsigned int getFrameNumber() const { return frameNumber; }
     QDateTime getDateTime() const { return dateTime; }
 
-    // Parts of the date-time in its own time specification; 0 for the date and -1 for the time of a null one.
+    // As the date-time's own clock shows them; 0 for the date and -1 for the time of a null one.
     int getYear() const { return dateTime.date().year(); }
     int getMonth() const { return dateTime.date().month(); }
     int getDay() const { return dateTime.date().day(); }
