@@ -46,6 +46,13 @@ double roundLength(double length)
     return length >= 5 * power ? 5 * power : length >= 2 * power ? 2 * power : power;
 }
 
+/// Whether a camera of that projection looks towards the point.
+bool isInFront(const cv::Mat &projection, const cv::Point3d &p)
+{
+    const double *row = projection.ptr<double>(2);
+    return row[0] * p.x + row[1] * p.y + row[2] * p.z + row[3] > 0;
+}
+
 /// Lines of the scene in a picture.
 class Painter
 {
@@ -108,32 +115,17 @@ public:
         cv::putText(m_picture, text, at, cv::FONT_HERSHEY_SIMPLEX, 0.5, color, 1, cv::LINE_AA);
     }
 
-    /// The ground point that a pixel shows; none above the horizon.
-    std::optional<cv::Point3d> ground(const cv::Point2d &pixel) const
-    {
-        try {
-            const cv::Point3d point = m_camera.imageToWorld(pixel, 0);
-            return isInFront(point) ? std::optional(point) : std::nullopt;
-        } catch (int) {
-            return std::nullopt;
-        }
-    }
+    std::optional<cv::Point3d> ground(const cv::Point2d &pixel) const { return groundPoint(m_camera, pixel); }
 
     cv::Size size() const { return m_picture.size(); }
 
 private:
     static constexpr int fraction = 4; ///< bits of a pixel's fraction
 
-    bool isInFront(const cv::Point3d &p) const
-    {
-        const double *row = m_projection.ptr<double>(2);
-        return row[0] * p.x + row[1] * p.y + row[2] * p.z + row[3] > 0;
-    }
-
     /// Where a point is in the picture, or at most ten pictures beside it.
     std::optional<cv::Point2d> project(const cv::Point3d &point) const
     {
-        if (!isInFront(point))
+        if (!isInFront(m_projection, point))
             return std::nullopt;
         const cv::Point2d pixel = m_camera.worldToImage(point);
         const double limit = 10.0 * std::max(m_picture.cols, m_picture.rows);
@@ -245,4 +237,14 @@ kelAbstractDataCalibration readCalibration(const QString &path)
                 .arg(path));
     }
     return calibration;
+}
+
+std::optional<cv::Point3d> groundPoint(const kelAbstractDataCalibration &camera, const cv::Point2d &pixel)
+{
+    try {
+        const cv::Point3d point = camera.imageToWorld(pixel, 0);
+        return isInFront(camera.getCalibration(), point) ? std::optional(point) : std::nullopt;
+    } catch (int) { // the ray is parallel to the ground
+        return std::nullopt;
+    }
 }

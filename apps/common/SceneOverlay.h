@@ -13,6 +13,7 @@
 
 #include <list>
 #include <memory>
+#include <optional>
 
 /// Draws a grid on the ground and the context's zones, walls and objects over a picture: that is how a person
 /// sees that a calibration is right.
@@ -40,5 +41,8 @@ private:
 /// Reads the calibration file at `path`.
 /// \throws Failure when it cannot be read, or its camera cannot project.
 kelAbstractDataCalibration readCalibration(const QString &path);
+
+/// The point of the ground that a pixel shows; none for a pixel above the horizon.
+std::optional<cv::Point3d> groundPoint(const kelAbstractDataCalibration &camera, const cv::Point2d &pixel);
 
 #endif

@@ -1,6 +1,7 @@
 #include "kelrecord/GroundPositions.h"
 
-#include <kelCore/data/kelAbstractDataCalibration.h>
+#include "common/SceneOverlay.h"
+
 #include <kelCore/data/kelDataBlob.h>
 
 #include <QPointF>
@@ -10,14 +11,11 @@ void addGroundPositions(const QList<QSharedPointer<kelDataBlob>> &blobs,
 {
     for (const QSharedPointer<kelDataBlob> &blob : blobs) {
         const cv::Rect box = blob->getBoundingBox2D();
-        try {
-            const cv::Point3d foot =
-                calibration.imageToWorld({box.x + box.width / 2.0, double(box.y + box.height)}, 0);
-            QVariantMap map = blob->getMap();
-            map.insert(QStringLiteral("GroundPosition"), QPointF(foot.x, foot.y));
-            blob->setMap(map);
-        } catch (int) {
-            // The ray is parallel to the ground: the blob stands nowhere on it.
-        }
+        const auto foot = groundPoint(calibration, {box.x + box.width / 2.0, double(box.y + box.height)});
+        if (!foot)
+            continue;
+        QVariantMap map = blob->getMap();
+        map.insert(QStringLiteral("GroundPosition"), QPointF(foot->x, foot->y));
+        blob->setMap(map);
     }
 }

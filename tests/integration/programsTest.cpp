@@ -547,6 +547,23 @@ TEST_F(programsTest, ACalibrationAddsFootPointsToTheRecords)
     EXPECT_EQ(kelreplay({"verify", "run"}).code, 0);
 }
 
+TEST_F(programsTest, ABlobAboveTheHorizonStandsNowhere)
+{
+    // A camera 10 units above the ground that looks straight up: the ground is behind it everywhere.
+    cv::FileStorage file("camera.yml", cv::FileStorage::WRITE);
+    const cv::Mat K = (cv::Mat_<double>(3, 4) << 100, 0, 80, 0, 0, 100, 60, 0, 0, 0, 1, 0);
+    const cv::Mat E = (cv::Mat_<double>(4, 4) << 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, -10, 0, 0, 0, 1);
+    cv::Mat pose = E.inv();
+    for (int c = 0; c < 4; ++c)
+        std::swap(pose.at<double>(1, c), pose.at<double>(2, c));
+    file << "intrinsicMatrix" << K << "extrinsicMatrix" << pose;
+    file.release();
+
+    ASSERT_EQ(kelrecord(recording("run", {"--calibration", "camera.yml"})).code, 0);
+    ASSERT_EQ(boxes("run", 20).size(), 1);
+    EXPECT_FALSE(kelreplay({"frame", "run", "20", "--json"}).output.contains("GroundPosition"));
+}
+
 TEST_F(programsTest, DrawnFramesShowTheGroundGridAndTheContext)
 {
     const QString data = QStringLiteral(KEL_SOURCE_DIR "/examples/data/");
