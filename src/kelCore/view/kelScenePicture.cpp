@@ -1,14 +1,40 @@
 #include <kelCore/view/kelScenePicture_p.h>
 
+#include <kelCore/data/kelDataImage.h>
+#include <kelCore/utils/kelValueRange_p.h>
+
+#include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QPainter>
 #include <QPixmap>
 #include <QVector>
 
 #include <algorithm>
+#include <cfloat>
+#include <utility>
 #include <vector>
+
+namespace {
+
+/// A picture to draw into: the one that the display holds already, unless somebody else holds it too.
+cv::Mat pictureFor(const kelDataImage &display, int width, int height)
+{
+    const cv::Mat &held = display.getImage();
+    const bool shared = !held.u || held.u->refcount != 1 || held.u->urefcount != 0;
+    if (shared || held.type() != CV_8UC4 || held.size() != cv::Size(width, height))
+        return cv::Mat(height, width, CV_8UC4);
+    return held;
+}
+
+} // namespace
+
+bool kelScenePicture::hasPixels(const kelDataImage &image)
+{
+    return image.getImage().data && image.getImage().total() > 0;
+}
 
 QPixmap kelScenePicture::fromBgr(const cv::Mat &frame)
 {
@@ -16,6 +42,26 @@ QPixmap kelScenePicture::fromBgr(const cv::Mat &frame)
     cv::cvtColor(frame, rgb, cv::COLOR_BGR2RGB);
     return QPixmap::fromImage(
         QImage(rgb.data, rgb.cols, rgb.rows, static_cast<int>(rgb.step), QImage::Format_RGB888));
+}
+
+QPixmap kelScenePicture::fromDepth(const cv::Mat &depth)
+{
+    // What cv::normalize does, with a faster search for the extremes.
+    const kelValueRange range = kelValueRangeOf(depth);
+    const double extent = range.max - range.min;
+    const double scale = 255 * (extent > DBL_EPSILON ? 1 / extent : 0);
+    cv::Mat grey;
+    depth.convertTo(grey, CV_8U, scale, -range.min * scale);
+
+    const int width = grey.cols; // a local, or the compiler would read it anew for each pixel
+    QImage image(width, grey.rows, QImage::Format_RGB32);
+    for (int y = 0; y < grey.rows; ++y) {
+        const uchar *in = grey.ptr(y);
+        auto *out = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x)
+            out[x] = qRgb(in[x], in[x], in[x]);
+    }
+    return QPixmap::fromImage(std::move(image));
 }
 
 QPixmap kelScenePicture::fromMask(const cv::Mat &mask)
@@ -32,17 +78,27 @@ QPixmap kelScenePicture::fromMask(const cv::Mat &mask)
     return QPixmap::fromImage(image);
 }
 
-cv::Mat kelScenePicture::render(QGraphicsScene &scene)
+void kelScenePicture::showMask(QGraphicsPixmapItem &item, const kelDataImage &mask)
+{
+    item.setVisible(hasPixels(mask));
+    if (hasPixels(mask))
+        item.setPixmap(fromMask(mask.getImage()));
+}
+
+void kelScenePicture::render(QGraphicsScene &scene, kelDataImage &display, bool covered)
 {
     const QRectF rect = scene.sceneRect();
     const int width = qRound(rect.width());
     const int height = qRound(rect.height());
     if (width <= 0 || height <= 0)
-        return cv::Mat();
-    // The painter draws straight into the matrix. The pixels are not cleared first: a frame covers them all.
-    cv::Mat picture(height, width, CV_8UC4);
+        return;
+    // The painter draws straight into the matrix, whose pixels are not cleared first where a frame covers
+    // them.
+    cv::Mat picture = pictureFor(display, width, height);
+    if (!covered)
+        picture = cv::Scalar(0, 0, 0, 255);
     QImage image(picture.data, width, height, static_cast<int>(picture.step), QImage::Format_RGB32);
     QPainter painter(&image);
     scene.render(&painter, QRectF(), QRectF(), Qt::KeepAspectRatio);
-    return picture;
+    display.setImage(picture);
 }

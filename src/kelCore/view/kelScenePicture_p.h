@@ -6,21 +6,34 @@
 
 #include <opencv2/core/mat.hpp>
 
+class QGraphicsPixmapItem;
 class QGraphicsScene;
 class QPixmap;
+class kelDataImage;
 
 namespace kelScenePicture {
 
+/// True when the image holds at least one pixel.
+bool hasPixels(const kelDataImage &image);
+
 /// A frame in blue, green, red order.
 QPixmap fromBgr(const cv::Mat &frame);
+
+/// A map of one channel and any depth: its least value black, its greatest white.
+QPixmap fromDepth(const cv::Mat &depth);
 
 /// A mask: opaque black where a byte is 255, transparent elsewhere. Each row is taken to start on a 32-bit
 /// boundary, whatever the mask's width; nothing is read behind its last byte.
 QPixmap fromMask(const cv::Mat &mask);
 
-/// The scene rectangle of `scene`, rendered to its size in whole pixels: four channels, in memory order blue,
-/// green, red, 255. The matrix owns its pixels. Empty when the rectangle is.
-cv::Mat render(QGraphicsScene &scene);
+/// Lets the item show the mask; hides it when the mask has no pixels.
+void showMask(QGraphicsPixmapItem &item, const kelDataImage &mask);
+
+/// Renders the scene rectangle of `scene`, in its size in whole pixels, for `display`: four channels, in
+/// memory order blue, green, red, 255. The picture owns its pixels; one that was taken out of `display`
+/// before stays as it is for whoever holds it. Nothing happens when the rectangle is empty. \param covered
+/// whether a frame covers the whole rectangle; the rest is black otherwise.
+void render(QGraphicsScene &scene, kelDataImage &display, bool covered = true);
 
 } // namespace kelScenePicture
 

@@ -3,40 +3,8 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataPhysicalObject.h>
+#include <kelCore/view/kelBoxItems_p.h>
 #include <kelCore/view/kelScenePicture_p.h>
-
-#include <QGraphicsRectItem>
-#include <QPen>
-
-namespace {
-
-/// Replaces the rectangles `items` of `scene` by one for the box of each of `objects`.
-template <class Object>
-void replaceBoxes(QGraphicsScene &scene, QList<QGraphicsItem *> &items,
-                  const QList<QSharedPointer<Object>> &objects, Qt::GlobalColor color)
-{
-    for (QGraphicsItem *item : qAsConst(items)) {
-        scene.removeItem(item);
-        delete item;
-    }
-    items.clear();
-    for (const QSharedPointer<Object> &object : objects) {
-        if (!object)
-            continue;
-        const cv::Rect &box = object->getBoundingBox2D();
-        auto *item = new QGraphicsRectItem(box.x, box.y, box.width, box.height);
-        item->setPen(QPen(color, 2));
-        items.append(item);
-        scene.addItem(item);
-    }
-}
-
-bool hasPixels(const QSharedPointer<kelDataImage> &image)
-{
-    return image->getImage().data && image->getImage().total() > 0;
-}
-
-} // namespace
 
 kelViewPrivate::kelViewPrivate()
 {
@@ -105,7 +73,7 @@ QSharedPointer<kelDataImage> &kelView::getDisplay() { return d_func()->display; 
 void kelView::setAcquisitionImage(QSharedPointer<kelDataImage> image)
 {
     Q_D(kelView);
-    if (!image || !hasPixels(image))
+    if (!image || !kelScenePicture::hasPixels(*image))
         return;
     QGraphicsPixmapItem *item = d->acquisition();
     item->setPixmap(kelScenePicture::fromBgr(image->getImage()));
@@ -119,22 +87,19 @@ void kelView::setSegmentationImage(QSharedPointer<kelDataImage> image)
     Q_D(kelView);
     if (!image)
         return;
-    QGraphicsPixmapItem *item = d->segmentation();
-    item->setVisible(hasPixels(image));
-    if (hasPixels(image))
-        item->setPixmap(kelScenePicture::fromMask(image->getImage()));
+    kelScenePicture::showMask(*d->segmentation(), *image);
 }
 
 void kelView::setBlobs(QList<QSharedPointer<kelDataBlob>> blobs)
 {
     Q_D(kelView);
-    replaceBoxes(d->scene, d->blobItems, blobs, Qt::magenta);
+    kelBoxItems::replace(d->scene, d->blobItems, blobs, Qt::magenta);
 }
 
 void kelView::setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects)
 {
     Q_D(kelView);
-    replaceBoxes(d->scene, d->physicalObjectItems, objects, Qt::cyan);
+    kelBoxItems::replace(d->scene, d->physicalObjectItems, objects, Qt::cyan);
 }
 
 void kelView::updateDisplay()
@@ -142,9 +107,7 @@ void kelView::updateDisplay()
     Q_D(kelView);
     if (!d->display)
         d->display.reset(new kelDataImage);
-    const cv::Mat picture = kelScenePicture::render(d->scene);
-    if (!picture.empty())
-        d->display->setImage(picture);
+    kelScenePicture::render(d->scene, *d->display);
 }
 
 nubAbstractView *createKelView() { return new kelView; }
