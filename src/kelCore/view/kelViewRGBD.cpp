@@ -50,9 +50,9 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *) override
     {
-        if (const auto *image = dynamic_cast<const QImage *>(painter->device()))
-            if (paintsWholePixels(*painter))
-                return stamp(*painter, image->rect());
+        const auto *image = dynamic_cast<const QImage *>(painter->device());
+        if (image && image->format() == QImage::Format_RGB32 && paintsWholePixels(*painter))
+            return stamp(*painter, image->rect());
         painter->setPen(m_pen);
         painter->setBrush(Qt::NoBrush);
         for (const cv::Point &pixel : m_pixels)
@@ -77,7 +77,7 @@ private:
     void stamp(QPainter &painter, const QRect &device) const
     {
         const QPointF origin = painter.deviceTransform().map(QPointF(0, 0));
-        const QRect area = m_box.translated(origin).toAlignedRect() & device;
+        const QRect area = (m_box.translated(origin) & QRectF(device)).toAlignedRect();
         if (area.isEmpty())
             return;
         QImage picture(area.size(), QImage::Format_ARGB32_Premultiplied);
