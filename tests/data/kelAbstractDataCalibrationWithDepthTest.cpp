@@ -19,6 +19,7 @@
 #include <new>
 #include <random>
 #include <stdexcept>
+#include <type_traits>
 
 namespace {
 std::size_t allocations = 0;
@@ -187,6 +188,18 @@ public:
     QString identifier() const override { return "OtherDepth"; }
 };
 
+/// Reuses the identifier without having a map.
+class Impostor : public kelAbstractDataCalibration
+{
+public:
+    QString identifier() const override { return "kelAbstractDataCalibrationWithDepth"; }
+};
+
+template <class Expected, class Operation> constexpr bool hasType(Operation)
+{
+    return std::is_same<Expected, Operation>::value;
+}
+
 class kelAbstractDataCalibrationWithDepthFileTest : public TemporaryFolder
 {
 protected:
@@ -243,6 +256,23 @@ TEST(kelAbstractDataCalibrationWithDepthTest, TheNewOperationsFollowTheBasesInTh
     EXPECT_EQ((slot<cv::Point2d(const cv::Point3d &), Depth>(&Depth::worldToImage)), last + 3);
 }
 
+TEST(kelAbstractDataCalibrationWithDepthTest, TheOtherOperationsHaveTheStatedTypes)
+{
+    static_assert(hasType<const cv::Mat &(Depth::*)() const>(&Depth::getDepthInformation), "");
+    static_assert(hasType<float (Depth::*)(double, double)>(&Depth::depthVal), "");
+    static_assert(
+        hasType<void (Depth::*)(std::string)>(&Depth::setListContextObjectsForbiddenInPlanComputation), "");
+    static_assert(hasType<std::string (Depth::*)()>(&Depth::getListContextObjectsForbiddenInPlanComputation),
+                  "");
+    static_assert(hasType<double (Depth::*)(cv::Point3d, Plane &)>(&Depth::computePointDistanceToPlane), "");
+    static_assert(hasType<double (Depth::*)(cv::Point3d)>(&Depth::vectorMagnitude), "");
+    static_assert(hasType<cv::Point3d (Depth::*)(cv::Point3d, Plane &)>(&Depth::pointProjectionOntoPlane),
+                  "");
+    static_assert(
+        hasType<Plane (Depth::*)(const kelDataContext *)>(&Depth::computePlaneEquationFromContextualObjects),
+        "");
+}
+
 TEST(kelAbstractDataCalibrationWithDepthTest, TheMapIsSharedWithTheCaller)
 {
     Depth calibration;
@@ -274,6 +304,9 @@ TEST(kelAbstractDataCalibrationWithDepthTest, AMapThatDoesNotHoldFloatsHasNoDept
         EXPECT_EQ(calibration.depthVal(1, 1), 0);
         EXPECT_EQ(calibration.imageToWorld(cv::Point2d(1, 1)), cv::Point3d(0, 0, 0));
     }
+    const int sizes[] = {2, 2, 2};
+    calibration.setDepthInformation(cv::Mat(3, sizes, CV_32F, cv::Scalar(7)));
+    EXPECT_EQ(calibration.depthVal(1, 1), 0);
 }
 
 TEST(kelAbstractDataCalibrationWithDepthTest, ViewsOfLargerMatricesWork)
@@ -296,6 +329,8 @@ TEST(kelAbstractDataCalibrationWithDepthTest, BackProjectsThroughTheMap)
     cv::Mat map = cv::Mat::zeros(480, 640, CV_32F);
     map.at<float>(100, 200) = 1500.25f;
     map.at<float>(101, 200) = -2;
+    map.at<float>(102, 200) = -0.5f;
+    map.at<float>(103, 200) = 1.0f / 3;
     calibration.setDepthInformation(map);
     EXPECT_EQ(calibration.imageToWorld(cv::Point2d(200, 100)),
               cv::Point3d((200 - 319.5) * (1500.25 / 525), (100 - 239.5) * (1500.25 / 530), 1500.25));
@@ -303,6 +338,10 @@ TEST(kelAbstractDataCalibrationWithDepthTest, BackProjectsThroughTheMap)
               cv::Point3d((200.75 - 319.5) * (1500.25 / 525), (100.5 - 239.5) * (1500.25 / 530), 1500.25));
     EXPECT_EQ(calibration.imageToWorld(cv::Point2d(200, 101)),
               cv::Point3d((200 - 319.5) * (-2.0 / 525), (101 - 239.5) * (-2.0 / 530), -2));
+    EXPECT_EQ(calibration.imageToWorld(cv::Point2d(200, 102)).z, -0.5);
+    const double Z = 1.0f / 3;
+    EXPECT_EQ(calibration.imageToWorld(cv::Point2d(200.1, 103.7)),
+              cv::Point3d((200.1 - 319.5) * (Z / 525), (103.7 - 239.5) * (Z / 530), Z));
     EXPECT_EQ(calibration.imageToWorld(cv::Point2d(201, 100)), cv::Point3d(0, 0, 0));
 }
 
@@ -315,6 +354,8 @@ TEST(kelAbstractDataCalibrationWithDepthTest, ProjectsPointsOfTheCamerasFrame)
               cv::Point2d(525.0 * 1 / 4 + 319.5, 530.0 * -2 / 4 + 239.5));
     EXPECT_EQ(calibration.worldToImage(cv::Point3d(10, -20, -4)),
               cv::Point2d(525.0 * 10 / -4 + 319.5, 530.0 * -20 / -4 + 239.5));
+    EXPECT_EQ(calibration.worldToImage(cv::Point3d(0.2, -5.7, 1.9)),
+              cv::Point2d(525.0 * 0.2 / 1.9 + 319.5, 530.0 * -5.7 / 1.9 + 239.5));
     EXPECT_EQ(calibration.worldToImage(cv::Point3d(5, 6, 0)), cv::Point2d(319.5, 239.5));
     EXPECT_EQ(calibration.worldToImage(cv::Point3d(5, 6, -0.0)), cv::Point2d(319.5, 239.5));
 }
@@ -448,6 +489,24 @@ TEST(kelAbstractDataCalibrationWithDepthTest, MagnitudeIsTheEuclideanNorm)
     Depth calibration;
     EXPECT_EQ(calibration.vectorMagnitude(cv::Point3d(2, -3, 6)), 7);
     EXPECT_EQ(calibration.vectorMagnitude(cv::Point3d(0, 0, 0)), 0);
+}
+
+TEST(kelAbstractDataCalibrationWithDepthTest, PlaneGeometryIsThatOfTheFormulasBitForBit)
+{
+    Depth calibration;
+    std::mt19937 random(1);
+    std::uniform_real_distribution<> number(-10, 10);
+    for (int run = 0; run < 1000; ++run) {
+        const double a = number(random), b = number(random), c = number(random), d = number(random);
+        const cv::Point3d p(number(random), number(random), number(random));
+        Plane plane{a, b, c, d};
+        EXPECT_EQ(calibration.computePointDistanceToPlane(p, plane),
+                  std::abs(a * p.x + b * p.y + c * p.z + d) / std::sqrt(a * a + b * b + c * c));
+        const double t = -(a * p.x + b * p.y + c * p.z + d) / (a * a + b * b + c * c);
+        EXPECT_EQ(calibration.pointProjectionOntoPlane(p, plane),
+                  cv::Point3d(p.x + t * a, p.y + t * b, p.z + t * c));
+        EXPECT_EQ(calibration.vectorMagnitude(p), std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z));
+    }
 }
 
 TEST(kelAbstractDataCalibrationWithDepthTest, TheListOfNamesIsKeptAsGiven)
@@ -700,6 +759,9 @@ TEST(kelAbstractDataCalibrationWithDepthTest, CopyFromAnotherKindWarnsTwiceAndTa
     EXPECT_EQ(messages.take(), QStringList{slicingWarning()});
     EXPECT_EQ(calibration.getReferentialName(), "Default");
     EXPECT_EQ(calibration.getDepthInformation().data, map);
+    calibration.copy(Impostor());
+    EXPECT_EQ(messages.take(), QStringList{slicingWarning()});
+    EXPECT_EQ(calibration.getDepthInformation().data, map);
 
     const LogLevel level(18);
     calibration.copy(plain);
@@ -772,6 +834,35 @@ TEST_F(kelAbstractDataCalibrationWithDepthFileTest, NoRowsLeaveNoMap)
     write("depth.raw", rawBytes(2, 640, numbered(2, 640)));
     load(calibration, "depth.raw");
     EXPECT_TRUE(sameElements(calibration.getDepthInformation(), numbered(2, 640)));
+}
+
+TEST_F(kelAbstractDataCalibrationWithDepthFileTest, NoRowsOfANarrowerFileLeaveNoMapEither)
+{
+    for (const int columns : {0, 2, -1}) {
+        write("depth.raw", rawBytes(0, columns, cv::Mat()));
+        Depth calibration;
+        load(calibration, "depth.raw");
+        EXPECT_EQ(calibration.getDepthInformation().size(), cv::Size(640, 0)) << columns;
+        EXPECT_EQ(calibration.getDepthInformation().type(), CV_32F);
+    }
+    const cv::Mat part = numbered(3, 2);
+    write("depth.raw", rawBytes(3, 2, part));
+    Depth calibration;
+    calibration.setDepthInformation(cv::Mat(0, 4, CV_32F));
+    load(calibration, "depth.raw");
+    cv::Mat expected = cv::Mat::zeros(3, 4, CV_32F);
+    part.copyTo(expected.colRange(0, 2));
+    EXPECT_TRUE(sameElements(calibration.getDepthInformation(), expected));
+}
+
+TEST_F(kelAbstractDataCalibrationWithDepthFileTest, AMapInWiderRowsIsFilledRowByRow)
+{
+    write("depth.raw", rawBytes(3, 4, numbered(3, 4, 50)));
+    Depth calibration;
+    calibration.setDepthInformation(numbered(6, 9)(cv::Rect(2, 1, 4, 3)));
+    load(calibration, "depth.raw");
+    EXPECT_TRUE(sameElements(calibration.getDepthInformation(), numbered(3, 4, 50)));
+    EXPECT_EQ(calibration.getDepthInformation().ptr<float>()[4], 16); // beside the map
 }
 
 TEST_F(kelAbstractDataCalibrationWithDepthFileTest, AnyFloatIsTakenAsItStands)
@@ -902,8 +993,10 @@ TEST_F(kelAbstractDataCalibrationWithDepthFileTest, RowsThatNoMemoryHoldsThrow)
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the sanitizer ends the process for such an allocation";
 #endif
-    write("depth.raw", rawBytes(2147483647, 640, numbered(2, 640)));
+    // Rows wide enough for no address space to hold them all.
+    write("depth.raw", rawBytes(2147483647, 1000000, cv::Mat()));
     Depth calibration;
+    calibration.setDepthInformation(cv::Mat(1, 1000000, CV_32F, cv::Scalar(9)));
     expectRefused(calibration, "depth.raw");
 }
 
@@ -919,11 +1012,16 @@ TEST_F(kelAbstractDataCalibrationWithDepthFileTest, LoadingGivesTheObjectABuffer
     EXPECT_TRUE(sameElements(callers, numbered(2, 3)));
     EXPECT_EQ(copy.getDepthInformation().data, callers.data);
 
-    // The same with memory that OpenCV does not count references of, and with one copy only.
+    // The same with memory that OpenCV does not count references of, or counts elsewhere, and with one copy
+    // only.
     float memory[6] = {};
     calibration.setDepthInformation(cv::Mat(2, 3, CV_32F, memory));
     load(calibration, "depth.raw");
     EXPECT_EQ(memory[0], 0);
+    const cv::UMat device(2, 3, CV_32F, cv::Scalar(7));
+    calibration.setDepthInformation(device.getMat(cv::ACCESS_READ));
+    load(calibration, "depth.raw");
+    EXPECT_EQ(device.getMat(cv::ACCESS_READ).at<float>(0, 0), 7);
     const Depth other(calibration);
     write("depth.raw", rawBytes(2, 3, numbered(2, 3, 90)));
     load(calibration, "depth.raw");

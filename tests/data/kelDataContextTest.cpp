@@ -9,6 +9,7 @@
 #include <opencv2/core/persistence.hpp>
 
 #include <memory>
+#include <type_traits>
 
 namespace {
 
@@ -82,6 +83,8 @@ TEST(kelDataContextTest, AFreshContextIsEmpty)
     EXPECT_TRUE(context.getContext().empty());
     EXPECT_EQ(context.getReferentialName(), "Default");
     EXPECT_EQ(sizeof(kelDataContext), sizeof(nubAbstractObject));
+    static_assert(std::is_same<decltype(context.getContext()), std::list<ContextElement>>::value, "");
+    static_assert(std::is_same<decltype(context.getReferentialName()), std::string>::value, "");
 }
 
 TEST(kelDataContextTest, WriteAndSpecificPropertiesAreTheBases)
@@ -147,6 +150,7 @@ TEST_F(kelDataContextFileTest, ReadingAccumulatesInFileOrder)
     kelDataContext context;
     EXPECT_TRUE(context.read("first.yml"));
     EXPECT_TRUE(context.read("second.yml"));
+    EXPECT_EQ(names(context), (QStringList{"a", "b", "c", "d"}));
     EXPECT_TRUE(context.read("first.yml"));
     EXPECT_EQ(names(context), (QStringList{"a", "b", "c", "d", "a", "b"}));
 }
@@ -307,6 +311,39 @@ TEST_F(kelDataContextFileTest, ANodeThatHoldsNothingIsNoNumber)
     EXPECT_EQ(element.name, "");
     EXPECT_EQ(element.height, 1e300);
     EXPECT_EQ(element.polygonIsClosed, 2147483647);
+}
+
+TEST_F(kelDataContextFileTest, AMapWithoutKeysIsKeptInEveryFormat)
+{
+    for (const char *file : {"empty.yml", "empty.xml", "empty.json"}) {
+        {
+            cv::FileStorage storage(file, cv::FileStorage::WRITE);
+            storage << "contextList"
+                    << "["
+                    << "{"
+                    << "}"
+                    << "{"
+                    << "semantic"
+                    << "zone"
+                    << "shape"
+                    << "polygon"
+                    << "points"
+                    << "["
+                    << "{"
+                    << "}"
+                    << "]"
+                    << "}"
+                    << "]";
+        }
+        kelDataContext context;
+        EXPECT_TRUE(context.read(file)) << file;
+        const auto elements = context.getContext();
+        ASSERT_EQ(elements.size(), 2u) << file;
+        EXPECT_EQ(elements.front().semantic + elements.front().shape + elements.front().name, "");
+        EXPECT_EQ(elements.front().height, 0);
+        expectNoGeometry(elements.front());
+        EXPECT_EQ(elements.back().polygonVertices, Points(1));
+    }
 }
 
 TEST_F(kelDataContextFileTest, IntegersBecomeDoublesAndRealsAreRoundedToNearest)

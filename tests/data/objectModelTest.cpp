@@ -142,6 +142,17 @@ TEST(objectModelTest, ACloneIsANewObjectOfTheSameClass)
     }
 }
 
+TEST(objectModelTest, ACloneTakesTheParentOfItsSource)
+{
+    for (const Kind &kind : kinds()) {
+        QObject parent;
+        const auto object = kind.make();
+        object->setParent(&parent);
+        const std::unique_ptr<nubAbstractData> clone(object->clone());
+        EXPECT_EQ(clone->parent(), &parent) << kind.name;
+    }
+}
+
 TEST(objectModelTest, EveryKindKeepsTheBaseSetSpecificProperties)
 {
     const char signature[] = "virtual bool kelAbstractData::setSpecificProperties(const QVariantMap&)";

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -53,7 +54,8 @@ cv::Mat mapToFill(const cv::Mat &map, int rows, int columnsFilled)
     if (columnsFilled < map.cols) {
         result = cv::Scalar(0);
         const cv::Range kept(0, std::min(rows, map.rows));
-        map.rowRange(kept).copyTo(result.rowRange(kept));
+        if (!kept.empty()) // No rows would be copied by releasing the target, which throws for a part.
+            map.rowRange(kept).copyTo(result.rowRange(kept));
     }
     return result;
 }

@@ -30,11 +30,18 @@ int readInt(const cv::FileNode &node)
     return isNumber(node) ? static_cast<int>(node) : 2147483647;
 }
 
+/// In XML, a map without keys is a node that holds nothing, in which the storage refuses to look for any.
+bool hasKeys(const cv::FileNode &node) { return node.size() > 0; }
+
 std::list<cv::Point3d> readPoints(const cv::FileNode &node)
 {
     std::list<cv::Point3d> points;
-    for (const cv::FileNode &point : node)
-        points.emplace_back(readDouble(point["x"]), readDouble(point["y"]), readDouble(point["z"]));
+    for (const cv::FileNode &point : node) {
+        if (!hasKeys(point))
+            points.emplace_back();
+        else
+            points.emplace_back(readDouble(point["x"]), readDouble(point["y"]), readDouble(point["z"]));
+    }
     return points;
 }
 
@@ -74,6 +81,8 @@ const Geometry geometries[] = {
 ContextElement readElement(const cv::FileNode &node)
 {
     ContextElement element;
+    if (!hasKeys(node))
+        return element;
     element.semantic = readText(node["semantic"]);
     element.shape = readText(node["shape"]);
     element.height = readDouble(node["height"]);

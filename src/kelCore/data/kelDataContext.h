@@ -56,8 +56,8 @@ public:
     /// is no number is 1e300, or 2147483647 for "isClosed", which is rounded to the nearest integer.
     ///
     /// \return false, after a line on standard output, when the file cannot be opened.
-    /// \throws cv::Exception when the file is no storage document, and when an element or a point is no map.
-    /// The object is unchanged then.
+    /// \throws cv::Exception when the file is no storage document, and when an element or a point is no map
+    /// (one that holds nothing is a map without keys). The object is unchanged then.
     bool read(const QString &fileName) override;
 
     /// A copy of all elements with their vertices: keep it instead of asking once per frame.

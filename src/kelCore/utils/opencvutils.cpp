@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
@@ -240,7 +242,8 @@ void cvtUChar(cv::Mat const &source, cv::Mat &destination)
     const kelValueRange range = kelValueRangeOf(source);
     const double extent = range.max - range.min;
     if (extent == 0) {
-        destination = cv::Mat(source.rows, source.cols, CV_8UC1, cv::Scalar((range.min + range.max) * 0.5));
+        destination = cv::Mat(source.rows, source.cols, CV_8UC1,
+                              cv::Scalar(std::clamp((range.min + range.max) * 0.5, 0.0, 255.0)));
         return;
     }
     const double alpha = 255 / extent;
@@ -285,13 +288,14 @@ cv::Mat toMatByRow(QList<cv::Mat> const &matrices)
     const cv::Mat &first = matrices.first();
     if (first.cols == 0)
         qFatal("Columnless matrix!");
-    int rows = 0;
+    qint64 rows = 0;
     for (const cv::Mat &matrix : matrices) {
-        if (matrix.cols != first.cols || matrix.type() != first.type() || !matrix.isContinuous())
-            qFatal("Invalid matrix.");
         rows += matrix.rows;
+        if (matrix.cols != first.cols || matrix.type() != first.type() || !matrix.isContinuous()
+            || rows > std::numeric_limits<int>::max())
+            qFatal("Invalid matrix.");
     }
-    cv::Mat result(rows, first.cols, first.type());
+    cv::Mat result(static_cast<int>(rows), first.cols, first.type());
     uchar *end = result.data;
     for (const cv::Mat &matrix : matrices) {
         copyElements(matrix, end);
@@ -364,9 +368,9 @@ QStringList matrixToStringList(cv::Mat const &matrix)
     QStringList list;
     for (int channel = 0; channel < matrix.channels(); ++channel) {
         for (int r = 0; r < matrix.rows; ++r) {
-            const uchar *scalar = matrix.ptr(r) + static_cast<std::size_t>(channel) * matrix.elemSize1();
-            for (int c = 0; c < matrix.cols; ++c, scalar += matrix.elemSize())
-                list.append(scalarText(writer, scalar));
+            for (int c = 0; c < matrix.cols; ++c)
+                list.append(scalarText(
+                    writer, matrix.ptr(r, c) + static_cast<std::size_t>(channel) * matrix.elemSize1()));
         }
     }
     return list;
@@ -421,7 +425,12 @@ QDataStream &operator>>(QDataStream &stream, cv::Mat &matrix)
 {
     qint32 rows, columns, type, byteCount;
     stream >> rows >> columns >> type;
-    matrix.create(rows, columns, type);
+    // OpenCV's product of the sizes wraps around: the matrix would claim more than the memory it has.
+    const quint64 most = std::numeric_limits<std::ptrdiff_t>::max() / CV_ELEM_SIZE(type);
+    CV_Assert(rows < 0 || columns < 0 || quint64(rows) * quint64(columns) <= most);
+    cv::Mat target = matrix; // An allocation that throws leaves half a matrix behind.
+    target.create(rows, columns, type);
+    matrix = target;
     stream >> byteCount;
     if (byteCount < 1)
         return stream;

@@ -59,8 +59,8 @@ KELCORE_EXPORT cv::Mat toMat(QList<int> const &values, int rows = -1);
 /// first; fatal otherwise: "Invalid matrix.". An empty list gives an empty matrix.
 KELCORE_EXPORT cv::Mat toMat(QList<cv::Mat> const &matrices);
 /// The matrices on top of each other. All must be continuous and have the type and columns of the first;
-/// fatal otherwise: "Invalid matrix.", or "Columnless matrix!" when the first has none. An empty list gives
-/// an empty matrix.
+/// fatal otherwise: "Invalid matrix.", which more rows than an int counts are too, or "Columnless matrix!"
+/// when the first has none. An empty list gives an empty matrix.
 KELCORE_EXPORT cv::Mat toMatByRow(QList<cv::Mat> const &matrices);
 
 /// @}
@@ -127,7 +127,7 @@ KELCORE_EXPORT QDataStream &operator<<(QDataStream &stream, cv::Mat const &matri
 ///
 /// Fatal: "opencvutils operator>> Mat can't deserialize non-continuous matrices." for a target that is a part
 /// of wider rows, "opencvutils operator>> Mat serialization failure." when the stream ends too early.
-/// \throws cv::Exception when the size is negative or cannot be allocated.
+/// \throws cv::Exception when the size is negative or cannot be allocated. The target is unchanged then.
 KELCORE_EXPORT QDataStream &operator>>(QDataStream &stream, cv::Mat &matrix);
 
 /// x, y, width, height.
