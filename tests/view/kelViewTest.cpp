@@ -365,7 +365,10 @@ TEST(kelViewTest, FramesWithoutPixelsLeaveThePictureAndTheSceneRectangle)
     view.setAcquisitionImage(image(cv::Mat(0, 5, CV_8UC3)));
     view.setAcquisitionImage(image(cv::Mat(5, 0, CV_8UC3)));
     // A matrix that holds memory, but no elements.
-    view.setAcquisitionImage(image(cv::Mat(4, 4, CV_8UC3).rowRange(2, 2)));
+    cv::Mat emptied(4, 4, CV_8UC3);
+    emptied.resize(0);
+    ASSERT_NE(emptied.data, nullptr);
+    view.setAcquisitionImage(image(emptied));
     EXPECT_EQ(frameItem(view)->pixmap().cacheKey(), shown);
     EXPECT_TRUE(frameItem(view)->isVisible());
     EXPECT_EQ(scene(view)->sceneRect(), QRectF(0, 0, 64, 48));

@@ -62,11 +62,12 @@ public:
 private:
     static QRectF ellipse(const cv::Point &pixel) { return QRectF(pixel.x, pixel.y, 2, 2); }
 
-    /// Neither smoothed nor scaled, and in steps of whole pixels.
+    /// Neither smoothed nor mixed nor scaled, and in steps of whole pixels.
     static bool paintsWholePixels(const QPainter &painter)
     {
         const QTransform &transform = painter.deviceTransform();
-        return !painter.testRenderHint(QPainter::Antialiasing) && painter.opacity() == 1
+        return !painter.testRenderHint(QPainter::Antialiasing)
+            && painter.compositionMode() == QPainter::CompositionMode_SourceOver
             && transform.type() <= QTransform::TxTranslate && transform.dx() == std::rint(transform.dx())
             && transform.dy() == std::rint(transform.dy());
     }
@@ -136,8 +137,6 @@ QString hundredths(double number)
 
 kelViewRGBDPrivate::kelViewRGBDPrivate() : depthItem(new QGraphicsPixmapItem)
 {
-    // Items live for one frame: to index them would cost more than to look at each once.
-    scene.setItemIndexMethod(QGraphicsScene::NoIndex);
     view = new QGraphicsView;
     view->setRenderHint(QPainter::Antialiasing);
     view->setScene(&scene);
@@ -402,7 +401,7 @@ void kelViewRGBD::drawTraj(int n)
         const auto &trajectory = actor->getTrajectory();
         cv::Point previous;
         int visited = 0;
-        for (auto newest = trajectory.rbegin(); newest != trajectory.rend() && visited < n - 1; ++newest) {
+        for (auto newest = trajectory.rbegin(); newest != trajectory.rend() && visited + 1 < n; ++newest) {
             const cv::Point p = convertWorld2ImageFixed(newest->second);
             if (visited > 0)
                 d->scene.addLine(previous.x, previous.y, p.x, p.y, pen);
