@@ -9,9 +9,27 @@
 #include <QFile>
 
 #include <cmath>
+#include <cstring>
 #include <iostream>
 
+/// For functions that compute with rows. They are compiled with and without AVX; which is called is settled
+/// when the library is loaded, too early for the thread sanitizer. Both give the same bits.
+///
+/// They are not inlined, and take points as numbers: these stay in registers, while a struct would go through
+/// memory, on which each call would wait.
+#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__)
+#define KEL_ROW_FUNCTION __attribute__((noinline, target_clones("avx", "default")))
+#else
+#define KEL_ROW_FUNCTION __attribute__((noinline))
+#endif
+
 namespace {
+
+/// Numbers that are computed at once.
+using Row = double __attribute__((vector_size(32)));
+using Pair = double __attribute__((vector_size(16)));
+
+Pair swapped(Pair pair) { return Pair{pair[1], pair[0]}; }
 
 bool isTransform(const cv::Mat &matrix)
 {
@@ -22,50 +40,61 @@ bool isTransform(const cv::Mat &matrix)
 /// so that both give the same bits (a sum of negative zeros is a positive one).
 struct Projection
 {
-    double p[3][4];
+    Row rows[3] = {};
 
-    Projection(const cv::Mat &K, const cv::Mat &E)
+    /// Inlined, so that it has AVX where its caller has.
+    __attribute__((always_inline)) Projection(const cv::Mat &K, const cv::Mat &E)
     {
         CV_Assert(K.dims == 2 && K.type() == CV_64FC1 && K.cols == 4 && (K.rows == 3 || K.rows == 4));
         CV_Assert(isTransform(E));
-        const double *e[4] = {E.ptr<double>(0), E.ptr<double>(1), E.ptr<double>(2), E.ptr<double>(3)};
-        for (int r = 0; r < 3; ++r) {
-            const double *k = K.ptr<double>(r);
-            for (int c = 0; c < 4; ++c)
-                p[r][c] = 0.0 + k[0] * e[0][c] + k[1] * e[1][c] + k[2] * e[2][c] + k[3] * e[3][c];
+        const double *k[] = {K.ptr<double>(0), K.ptr<double>(1), K.ptr<double>(2)};
+#pragma GCC unroll 4
+        for (int i = 0; i < 4; ++i) {
+            Row e;
+            std::memcpy(&e, E.ptr<double>(i), sizeof e);
+            rows[0] += k[0][i] * e;
+            rows[1] += k[1][i] * e;
+            rows[2] += k[2][i] * e;
         }
     }
 
-    double operator()(int r, int c) const { return p[r][c]; }
+    double operator()(int r, int c) const { return rows[r][c]; }
 
-    /// Row r times (X, Y, Z, 1).
-    double row(int r, const cv::Point3d &w) const
-    {
-        return p[r][0] * w.x + p[r][1] * w.y + p[r][2] * w.z + p[r][3];
-    }
+    /// Column c above the third row.
+    Pair column(int c) const { return Pair{rows[0][c], rows[1][c]}; }
 };
 
-/// Not inlined on purpose: a pixel that arrives as two numbers stays in registers, while one that arrives as
-/// a struct would go through memory, on which each call would wait.
-__attribute__((noinline)) cv::Point3d backProject(const cv::Mat &K, const cv::Mat &E, double u, double v,
-                                                  double height)
+KEL_ROW_FUNCTION cv::Point3d backProject(const cv::Mat &K, const cv::Mat &E, double u, double v,
+                                         double height)
 {
     const Projection P(K, E);
+    const Pair pixel{u, v};
+    const Pair diagonal{P(0, 0), P(1, 1)};
+    const Pair antidiagonal{P(0, 1), P(1, 0)};
+    const Pair third{P(2, 0), P(2, 1)};
 
-    // The two equations of the projection, linear in X and Y once Z is the height, by Cramer's rule.
-    const double D = (P(2, 1) * P(1, 0) - P(2, 0) * P(1, 1)) * u + (P(0, 1) * P(2, 0) - P(0, 0) * P(2, 1)) * v
-        + P(0, 0) * P(1, 1) - P(0, 1) * P(1, 0);
+    // The two equations of the projection, linear in X and Y once Z is the height, by Cramer's rule:
+    //     (u P20 - P00) X + (u P21 - P01) Y = P02 Z + P03 - u (P22 Z + P23)
+    //     (v P20 - P10) X + (v P21 - P11) Y = P12 Z + P13 - v (P22 Z + P23)
+    // In their determinant D the products of u and v cancel.
+    const Pair slopes = antidiagonal * third - diagonal * swapped(third); // of D, in v and in u
+    const double D = slopes[1] * u + slopes[0] * v + P(0, 0) * P(1, 1) - P(0, 1) * P(1, 0);
     if (D == 0.0)
         throw int(-1);
 
-    const double a0 = P(0, 2) * height + P(0, 3);
-    const double a1 = P(1, 2) * height + P(1, 3);
-    const double a2 = P(2, 2) * height + P(2, 3);
-    const double b0 = a0 - a2 * u;
-    const double b1 = a1 - a2 * v;
-    const double X = ((v * P(2, 1) - P(1, 1)) * b0 - (u * P(2, 1) - P(0, 1)) * b1) / D;
-    const double Y = ((u * P(2, 0) - P(0, 0)) * b1 - (v * P(2, 0) - P(1, 0)) * b0) / D;
-    return cv::Point3d(X, Y, height);
+    const Pair leftDiagonal = pixel * third - diagonal;
+    const Pair leftAntidiagonal = pixel * swapped(third) - antidiagonal;
+    const Pair right = P.column(2) * height + P.column(3) - pixel * (P(2, 2) * height + P(2, 3));
+    const Pair ground = (swapped(leftDiagonal) * right - leftAntidiagonal * swapped(right)) / D;
+    return cv::Point3d(ground[0], ground[1], height);
+}
+
+KEL_ROW_FUNCTION cv::Point2d project(const cv::Mat &K, const cv::Mat &E, double X, double Y, double Z)
+{
+    const Projection P(K, E);
+    const double depth = P(2, 0) * X + P(2, 1) * Y + P(2, 2) * Z + P(2, 3);
+    const Pair pixel = (P.column(0) * X + P.column(1) * Y + P.column(2) * Z + P.column(3)) / depth;
+    return cv::Point2d(pixel[0], pixel[1]);
 }
 
 cv::Mat readMatrix(const cv::FileStorage &storage, const char *key)
@@ -205,9 +234,7 @@ cv::Point3d kelAbstractDataCalibration::imageToWorld(cv::Point2d pixel, double h
 cv::Point2d kelAbstractDataCalibration::worldToImage(cv::Point3d point) const
 {
     Q_D(const kelAbstractDataCalibration);
-    const Projection P(d->intrinsicMatrix, d->extrinsicMatrix);
-    const double depth = P.row(2, point);
-    return cv::Point2d(P.row(0, point) / depth, P.row(1, point) / depth);
+    return project(d->intrinsicMatrix, d->extrinsicMatrix, point.x, point.y, point.z);
 }
 
 cv::Point3d kelAbstractDataCalibration::getPosition() const
