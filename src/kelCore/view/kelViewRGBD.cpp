@@ -176,9 +176,13 @@ bool kelViewRGBDPrivate::drawBackground()
 void kelViewRGBDPrivate::drawText(const QString &text, const QFont &font, const QColor &color, qreal x,
                                   qreal y)
 {
-    QGraphicsTextItem *item = scene.addText(text, font);
+    // The text comes last: it would be laid out anew for each of the others.
+    auto *item = new QGraphicsTextItem;
+    item->setFont(font);
     item->setDefaultTextColor(color);
     item->setPos(x, y);
+    item->setPlainText(text);
+    scene.addItem(item);
 }
 
 void kelViewRGBDPrivate::drawPolygon(const std::vector<cv::Point> &corners, const QColor &line,
