@@ -31,19 +31,24 @@ std::vector<QColor> palette()
             Qt::darkGreen, Qt::darkBlue, Qt::darkRed,  Qt::lightGray};
 }
 
-/// A 2 x 2 ellipse at each of a set of pixels.
+/// A 2 x 2 ellipse at each of a set of pixels, which is not empty.
 ///
 /// One item for all: fifty thousand ellipse items would take far longer to make than to draw. The picture is
 /// the one that an item for each ellipse would give.
 class PixelsItem : public QGraphicsItem
 {
 public:
-    PixelsItem(std::list<cv::Point> pixels, const QPen &pen) : m_pixels(std::move(pixels)), m_pen(pen)
+    PixelsItem(const std::list<cv::Point> &pixels, const QPen &pen)
+        : m_pixels(pixels.begin(), pixels.end()), m_pen(pen)
     {
-        for (const cv::Point &pixel : m_pixels)
-            m_box |= ellipse(pixel);
+        cv::Point low = pixels.front();
+        cv::Point high = low;
+        for (const cv::Point &pixel : m_pixels) {
+            low = {std::min(low.x, pixel.x), std::min(low.y, pixel.y)};
+            high = {std::max(high.x, pixel.x), std::max(high.y, pixel.y)};
+        }
         const qreal margin = pen.widthF() / 2;
-        m_box.adjust(-margin, -margin, margin, margin);
+        m_box = (ellipse(low) | ellipse(high)).adjusted(-margin, -margin, margin, margin);
     }
 
     QRectF boundingRect() const override { return m_box; }
@@ -84,6 +89,8 @@ private:
         QImage picture(area.size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
         auto *const pixels = reinterpret_cast<QRgb *>(picture.bits());
+        const int width = picture.width();
+        const int height = picture.height();
         const QRgb color = m_pen.color().rgba();
         const QPoint corner = area.topLeft() - origin.toPoint();
         for (const cv::Point &pixel : m_pixels) {
@@ -91,14 +98,14 @@ private:
                  {cv::Point(1, 0), cv::Point(0, 1), cv::Point(2, 1), cv::Point(1, 2)}) {
                 const qint64 x = qint64(pixel.x) + step.x - corner.x();
                 const qint64 y = qint64(pixel.y) + step.y - corner.y();
-                if (x >= 0 && x < picture.width() && y >= 0 && y < picture.height())
-                    pixels[y * picture.width() + x] = color;
+                if (x >= 0 && x < width && y >= 0 && y < height)
+                    pixels[y * width + x] = color;
             }
         }
         painter.drawImage(corner, picture);
     }
 
-    std::list<cv::Point> m_pixels;
+    std::vector<cv::Point> m_pixels;
     QPen m_pen;
     QRectF m_box;
 };
@@ -372,10 +379,9 @@ void kelViewRGBD::drawActors()
 {
     Q_D(kelViewRGBD);
     for (const auto &actor : d->actors) {
-        std::list<cv::Point> pixels;
-        actor->getPixels(pixels);
-        if (!pixels.empty())
-            d->scene.addItem(new PixelsItem(std::move(pixels), QPen(d->color(actor->getIdent()), 1)));
+        actor->getPixels(d->pixels);
+        if (!d->pixels.empty())
+            d->scene.addItem(new PixelsItem(d->pixels, QPen(d->color(actor->getIdent()), 1)));
     }
 }
 

@@ -45,6 +45,8 @@ public:
     QList<QGraphicsItem *> physicalObjectItems;
     QSharedPointer<kelDataImage> display;
     int frameRate = 0; ///< Frames per second.
+    std::list<cv::Point>
+        pixels; ///< An actor's, while it is drawn; to fill it again costs less than a new one.
     bool wasCovered = false; ///< There was a background once: the scene has the size of a picture.
 
     /// Empties the scene and forgets the items that were in it.
