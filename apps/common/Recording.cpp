@@ -27,6 +27,14 @@ QDateTime time(const QXmlStreamAttributes &attributes)
 
 } // namespace
 
+CSynchronizer RecordedFrame::stamp() const
+{
+    CSynchronizer stamp;
+    stamp.setFrameNumber(number);
+    stamp.setDateTime(time);
+    return stamp;
+}
+
 bool Recording::existsIn(const QString &folder)
 {
     const QDir dir(folder);
@@ -170,4 +178,25 @@ std::vector<kelDataFlowRecord> Recording::recordsOf(const RecordedFrame &frame) 
     for (int i = frame.firstRecord; i < end; ++i)
         records.push_back(record(i));
     return records;
+}
+
+std::vector<cv::Rect> Recording::boxesOf(const RecordedFrame &frame) const
+{
+    std::vector<cv::Rect> boxes;
+    for (const kelDataFlowRecord &record : recordsOf(frame)) {
+        const QRect box = boxOf(record);
+        if (record.dataType == QLatin1String("kelDataBlob") && !box.isNull())
+            boxes.emplace_back(box.x(), box.y(), box.width(), box.height());
+    }
+    return boxes;
+}
+
+QRect boxOf(const kelDataFlowRecord &record)
+{
+    const QRect box = record.properties.value(QStringLiteral("BoundingBox2D")).toRect();
+    const int limit = 1 << 20; // pixels; a damaged record may hold any numbers, and sizes must be computable
+    for (const int edge : {box.left(), box.top(), box.right(), box.bottom()})
+        if (edge < -limit || edge > limit)
+            return QRect();
+    return box;
 }

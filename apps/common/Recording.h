@@ -4,11 +4,15 @@
 /// \file
 /// A recorded run on disk, read in time linear in its length.
 
+#include <kelCore/data/CSynchronizer.h>
 #include <kelCore/process/kelDataFlowRecord.h>
+
+#include <opencv2/core/types.hpp>
 
 #include <QByteArray>
 #include <QDateTime>
 #include <QList>
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +26,8 @@ struct RecordedFrame
     qint64 line = 0; ///< where the frame begins in the document
     int firstRecord = 0; ///< index of its first record in the binary file
     QStringList dataTypes; ///< of its data elements, in order: one record each
+
+    CSynchronizer stamp() const;
 };
 
 /// Where one record lies in the binary file.
@@ -31,6 +37,9 @@ struct RecordPlace
     qint64 size = 0;
     QString dataType;
 };
+
+/// The box that a record holds; null where it holds none, or none that a picture could show.
+QRect boxOf(const kelDataFlowRecord &record);
 
 /// The document and the binary file of a run. Both are written in the same order, so a frame's records are
 /// found by counting its data elements.
@@ -70,6 +79,8 @@ public:
     kelDataFlowRecord record(int index) const;
     /// The records of a frame.
     std::vector<kelDataFlowRecord> recordsOf(const RecordedFrame &frame) const;
+    /// The boxes of a frame's blobs.
+    std::vector<cv::Rect> boxesOf(const RecordedFrame &frame) const;
 
 private:
     void readDocument();

@@ -1,12 +1,10 @@
 #include "common/SceneOverlay.h"
 
-#include "common/Program.h"
-
-#include <kelCore/data/kelDataContext.h>
+#include "common/Scene.h"
 
 #include <opencv2/imgproc.hpp>
 
-#include <QFileInfo>
+#include <QString>
 
 #include <algorithm>
 #include <cmath>
@@ -20,37 +18,11 @@ const cv::Scalar zoneColor(0, 0, 255, 255); // red
 const cv::Scalar wallColor(0, 165, 255, 255); // orange
 const cv::Scalar objectColor(0, 255, 255, 255); // yellow
 
-void mustBeReadable(const QString &path, const char *what)
-{
-    if (!QFileInfo(path).isFile() || !QFileInfo(path).isReadable())
-        throw Failure(QStringLiteral("the %1 file %2 cannot be read").arg(QLatin1String(what), path));
-}
-
-std::list<ContextElement> readContext(const QString &path)
-{
-    mustBeReadable(path, "context");
-    kelDataContext context;
-    try {
-        context.read(path);
-    } catch (const cv::Exception &) {
-        throw Failure(
-            QStringLiteral("%1 holds no context: it needs a list of maps named contextList").arg(path));
-    }
-    return context.getContext();
-}
-
 /// The largest of 1, 2 and 5 times a power of ten that is not above `length`.
 double roundLength(double length)
 {
     const double power = std::pow(10, std::floor(std::log10(length)));
     return length >= 5 * power ? 5 * power : length >= 2 * power ? 2 * power : power;
-}
-
-/// Whether a camera of that projection looks towards the point.
-bool isInFront(const cv::Mat &projection, const cv::Point3d &p)
-{
-    const double *row = projection.ptr<double>(2);
-    return row[0] * p.x + row[1] * p.y + row[2] * p.z + row[3] > 0;
 }
 
 /// Lines of the scene in a picture.
@@ -202,49 +174,12 @@ void drawElement(Painter &painter, const ContextElement &element)
 
 } // namespace
 
-SceneOverlay::SceneOverlay(const QString &calibration, const QString &context)
+void drawScene(cv::Mat &picture, const Scene &scene)
 {
-    if (calibration.isEmpty() && !context.isEmpty())
-        throw misuse(QStringLiteral("--context is drawn with the help of --calibration"));
-    if (!calibration.isEmpty())
-        m_camera = std::make_shared<const kelAbstractDataCalibration>(readCalibration(calibration));
-    if (!context.isEmpty())
-        m_elements = readContext(context);
-}
-
-void SceneOverlay::draw(cv::Mat &picture) const
-{
-    if (!m_camera || picture.empty())
+    if (!scene.camera || picture.empty())
         return;
-    Painter painter(*m_camera, picture);
-    drawGrid(painter, m_camera->getPosition());
-    for (const ContextElement &element : m_elements)
+    Painter painter(*scene.camera, picture);
+    drawGrid(painter, scene.camera->getPosition());
+    for (const ContextElement &element : scene.elements)
         drawElement(painter, element);
-}
-
-kelAbstractDataCalibration readCalibration(const QString &path)
-{
-    mustBeReadable(path, "calibration");
-    kelAbstractDataCalibration calibration;
-    try {
-        calibration.read(path);
-        calibration.worldToImage(cv::Point3d(0, 0, 0));
-    } catch (const cv::Exception &) {
-        throw Failure(
-            QStringLiteral(
-                "%1 holds no camera: it needs intrinsicMatrix (3x4) and extrinsicMatrix (4x4), both of "
-                "doubles")
-                .arg(path));
-    }
-    return calibration;
-}
-
-std::optional<cv::Point3d> groundPoint(const kelAbstractDataCalibration &camera, const cv::Point2d &pixel)
-{
-    try {
-        const cv::Point3d point = camera.imageToWorld(pixel, 0);
-        return isInFront(camera.getCalibration(), point) ? std::optional(point) : std::nullopt;
-    } catch (int) { // the ray is parallel to the ground
-        return std::nullopt;
-    }
 }

@@ -1,6 +1,6 @@
 #include "kelrecord/GroundPositions.h"
 
-#include "common/SceneOverlay.h"
+#include "common/Scene.h"
 
 #include <kelCore/data/kelDataBlob.h>
 
@@ -10,8 +10,7 @@ void addGroundPositions(const QList<QSharedPointer<kelDataBlob>> &blobs,
                         const kelAbstractDataCalibration &calibration)
 {
     for (const QSharedPointer<kelDataBlob> &blob : blobs) {
-        const cv::Rect box = blob->getBoundingBox2D();
-        const auto foot = groundPoint(calibration, {box.x + box.width / 2.0, double(box.y + box.height)});
+        const auto foot = footPoint(calibration, blob->getBoundingBox2D());
         if (!foot)
             continue;
         QVariantMap map = blob->getMap();

@@ -1,6 +1,8 @@
 #include "kelrecord/LiveView.h"
 
+#include "common/Follower.h"
 #include "common/Program.h"
+#include "common/Recording.h"
 #include "common/VideoSource.h"
 #include "kelrecord/Settings.h"
 
@@ -8,10 +10,11 @@
 #include <kelCore/data/kelDataImage.h>
 
 #include <QApplication>
-#include <QWidget>
+
+#include <cmath>
 
 LiveView::LiveView(const Settings &settings, const VideoSource &source)
-    : m_settings(settings), m_overlay(settings.calibration, settings.context)
+    : m_settings(settings), m_view(makeView(settings.view))
 {
     if (settings.show && !hasDisplay() && !settings.quiet)
         say(QStringLiteral("there is no display, so --show shows nothing; --render draws without one"));
@@ -20,27 +23,47 @@ LiveView::LiveView(const Settings &settings, const VideoSource &source)
         m_sink.emplace(settings.render,
                        settings.framesPerSecond > 0 ? settings.framesPerSecond : source.framesPerSecond());
     if (m_window) {
-        m_view.widget()->setWindowTitle(settings.video);
-        m_view.widget()->show();
+        m_view->widget()->setWindowTitle(settings.video);
+        m_view->widget()->show();
     }
+    m_clock.start();
 }
 
-void LiveView::add(int number, const QSharedPointer<kelDataImage> &frame,
-                   const QSharedPointer<kelDataImage> &mask, const QList<QSharedPointer<kelDataBlob>> &blobs)
+void LiveView::goOnBehind(const Recording &recording)
 {
+    if (Follower *follower = m_view->follower())
+        for (const RecordedFrame &frame : recording.frames())
+            follower->add(frame.stamp(), recording.boxesOf(frame));
+}
+
+void LiveView::add(const CSynchronizer &stamp, Shot shot)
+{
+    if (!m_window && !m_sink)
+        return;
+    if (Follower *follower = m_view->follower()) {
+        std::vector<cv::Rect> boxes;
+        for (const QSharedPointer<kelDataBlob> &blob : shot.blobs)
+            boxes.push_back(blob->getBoundingBox2D());
+        shot.index = follower->frameCount();
+        follower->add(stamp, boxes);
+    }
+    const int number = static_cast<int>(stamp.getFrameNumber());
     const bool draw = m_sink && number % m_settings.renderEvery == 0;
     if (!draw && !m_window)
         return;
-    m_view.setAcquisitionImage(frame);
-    if (m_settings.mask)
-        m_view.setSegmentationImage(mask);
-    m_view.setBlobs(blobs);
-    if (draw) {
-        m_view.updateDisplay();
-        cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
-        m_overlay.draw(picture);
-        m_sink->add(static_cast<quint32>(number), picture);
-    }
+    m_view->setFrameRate(framesPerSecond());
+    m_view->showShot(shot);
+    if (draw)
+        m_sink->add(stamp.getFrameNumber(), m_view->picture());
     if (m_window)
         QApplication::processEvents();
+}
+
+int LiveView::framesPerSecond()
+{
+    m_times.push_back(m_clock.elapsed());
+    while (m_times.size() > 2 && m_times.back() - m_times.front() > 1000)
+        m_times.pop_front();
+    const double span = double(m_times.back() - m_times.front());
+    return span > 0 ? static_cast<int>(std::lround(double(m_times.size() - 1) * 1000 / span)) : 0;
 }

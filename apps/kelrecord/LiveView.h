@@ -4,37 +4,44 @@
 /// \file
 /// What a run looks like while it is recorded.
 
+#include "common/FrameView.h"
 #include "common/PictureSink.h"
-#include "common/SceneOverlay.h"
 
-#include <kelCore/view/kelView.h>
-
+#include <QElapsedTimer>
 #include <QWidget>
 
+#include <deque>
 #include <optional>
 
+class CSynchronizer;
+class Recording;
 class VideoSource;
 struct Settings;
 
-/// The base view, shown in a window, drawn to files, both or neither.
+/// A view, shown in a window, drawn to files, both or neither.
 class LiveView
 {
 public:
     /// Opens the window where one is wanted and there is a display, and says so where there is none.
     LiveView(const Settings &settings, const VideoSource &source);
 
-    void add(int number, const QSharedPointer<kelDataImage> &frame, const QSharedPointer<kelDataImage> &mask,
-             const QList<QSharedPointer<kelDataBlob>> &blobs);
+    /// The run goes on behind that recording.
+    void goOnBehind(const Recording &recording);
+    /// Shows or draws the next frame of the run, where that is wanted. Its index is found here.
+    void add(const CSynchronizer &stamp, Shot shot);
 
     /// True when the user has closed the window.
-    bool closed() { return m_window && !m_view.widget()->isVisible(); }
+    bool closed() { return m_window && !m_view->widget()->isVisible(); }
 
 private:
+    int framesPerSecond();
+
     const Settings &m_settings;
-    SceneOverlay m_overlay; ///< over drawn frames
-    kelView m_view;
+    std::unique_ptr<FrameView> m_view;
     bool m_window = false;
     std::optional<PictureSink> m_sink;
+    QElapsedTimer m_clock;
+    std::deque<qint64> m_times; ///< of the frames of the last second, in milliseconds
 };
 
 #endif

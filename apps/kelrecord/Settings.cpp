@@ -19,6 +19,8 @@ const char *const notes = R"(Examples:
   kelrecord street.avi --out run2 --min-area 150 --min-dimension 10 \
             --render frames --render-every 25
       also finds small blobs, and draws every 25th frame.
+  kelrecord street.avi --out run3 --show --view rgbd --keys I
+      shows who is in view, where each has come from and since when.
 
 The recording is two files in DIR: dataflow.xml, the document, and dataflow.dat, one
 record per blob. It is complete at every moment; kelreplay reads it. Each frame parses
@@ -72,23 +74,26 @@ std::optional<Settings> readSettings(const QStringList &arguments)
            "are taken.",
            "N");
     option("max-frames", "Record at most N frames in this run.", "N");
-    option("calibration",
-           "Calibration of the camera: each blob then carries its foot point on the ground, and drawn frames "
-           "show a grid "
-           "on the ground.",
-           "FILE");
-    option("context", "Zones, walls and objects of the scene, to show on drawn frames; needs --calibration.",
+    option(
+        "calibration",
+        "Calibration of the camera: each blob then carries its foot point on the ground, drawn frames show "
+        "a grid on the ground, and --view rgbd knows where actors stand.",
+        "FILE");
+    option("context",
+           "Zones, walls and objects of the scene, to show on drawn frames or in --view rgbd; needs "
+           "--calibration.",
            "FILE");
     option("show", "Show each frame in a window; closing it ends the recording.");
+    addViewOptions(parser);
     option("render",
            "Draw frames: PNG files in a folder, or the frames of a video when the name ends in .avi.",
            "TARGET");
     option("render-every", "Draw every Nth frame. Default: 1.", "N");
-    option("mask", "Paint the foreground black where frames are shown or drawn.");
+    option("mask", "Paint the foreground black where frames are shown or drawn; in --view plain.");
     option("min-area", "Smallest area of a blob in pixels. Default: 2000.", "N");
     option("min-dimension", "Smallest width and height of a blob in pixels. Default: 50.", "N");
     option("quiet", "Say nothing but errors.");
-    if (!parse(parser, arguments, QString::fromLatin1(usage), QString::fromLatin1(notes)))
+    if (!parse(parser, arguments, QString::fromLatin1(usage), viewNotes() + QString::fromLatin1(notes)))
         return std::nullopt;
 
     const QStringList videos = parser.positionalArguments();
@@ -112,12 +117,15 @@ std::optional<Settings> readSettings(const QStringList &arguments)
         settings.start = parseStart(parser.value(QStringLiteral("start")));
     settings.framesPerSecond = realOption(parser, QStringLiteral("fps"), 0);
     settings.maxFrames = integerOption(parser, QStringLiteral("max-frames"), 1, INT_MAX);
-    settings.calibration = absolute(parser.value(QStringLiteral("calibration")));
-    settings.context = absolute(parser.value(QStringLiteral("context")));
+    settings.view = readViewSettings(parser);
+    settings.view.calibration = absolute(settings.view.calibration);
+    settings.view.context = absolute(settings.view.context);
+    settings.view.mask = parser.isSet(QStringLiteral("mask"));
+    if (settings.view.mask && settings.view.kind == ViewSettings::Kind::Operator)
+        throw misuse(QStringLiteral("--mask is for --view plain; key A shows the foreground in --view rgbd"));
     settings.show = parser.isSet(QStringLiteral("show"));
     settings.render = absolute(parser.value(QStringLiteral("render")));
     settings.renderEvery = integerOption(parser, QStringLiteral("render-every"), 1, 1);
-    settings.mask = parser.isSet(QStringLiteral("mask"));
     if (parser.isSet(QStringLiteral("min-area")))
         settings.minArea = integerOption(parser, QStringLiteral("min-area"), 0, 0);
     if (parser.isSet(QStringLiteral("min-dimension")))

@@ -4,6 +4,7 @@
 /// \file
 /// What the command line of kelrecord asks for.
 
+#include "common/FrameView.h"
 #include "kelrecord/RunWriter.h"
 
 #include <QDateTime>
@@ -21,12 +22,10 @@ struct Settings
     QDateTime start; ///< of the frame numbered 0; null: what the file says
     double framesPerSecond = 0; ///< 0: what the file says
     int maxFrames = INT_MAX;
-    QString calibration;
-    QString context;
+    ViewSettings view;
     bool show = false;
     QString render;
     int renderEvery = 1;
-    bool mask = false;
     std::optional<int> minArea;
     std::optional<int> minDimension;
     bool quiet = false;

@@ -3,7 +3,7 @@
 
 #include "common/Program.h"
 #include "common/Recording.h"
-#include "common/SceneOverlay.h"
+#include "common/Scene.h"
 #include "common/VideoSource.h"
 #include "kelrecord/ComponentBlobs.h"
 #include "kelrecord/GroundPositions.h"
@@ -43,8 +43,8 @@ void record(const Settings &settings)
 {
     QSharedPointer<kelAbstractDataStream> stream(new kelAbstractDataStream);
     stream->device(settings.video);
-    if (!settings.calibration.isEmpty()) {
-        kelAbstractDataCalibration calibration = readCalibration(settings.calibration);
+    if (!settings.view.calibration.isEmpty()) {
+        kelAbstractDataCalibration calibration = readCalibration(settings.view.calibration);
         stream->setCameraCalibration(calibration);
     }
     const kelAbstractDataCalibration calibration = stream->getCameraCalibration();
@@ -65,6 +65,8 @@ void record(const Settings &settings)
     LiveView view(settings, source); // before the writer: a bad target must cost no recording
     RunWriter writer(settings.folder, settings.mode);
     const Recording *previous = writer.previous();
+    if (previous)
+        view.goOnBehind(*previous);
     const StampClock clock(settings, source, previous);
 
     const int firstNew =
@@ -80,13 +82,15 @@ void record(const Settings &settings)
         if (number >= firstNew) { // frames before it only teach the background
             blobs.setSegmentationImage(segmentation.getSegmentationImage());
             blobs.generateBlobs();
-            if (!settings.calibration.isEmpty())
+            if (!settings.view.calibration.isEmpty())
                 addGroundPositions(blobs.getBlobs(), calibration);
             QList<QSharedPointer<kelAbstractData>> objects;
             for (const QSharedPointer<kelDataBlob> &blob : blobs.getBlobs())
                 objects.append(blob);
-            writer.write(clock.stamp(number), objects);
-            view.add(number, acquisition.getImage(), segmentation.getSegmentationImage(), blobs.getBlobs());
+            const CSynchronizer stamp = clock.stamp(number);
+            writer.write(stamp, objects);
+            view.add(stamp,
+                     {0, acquisition.getImage(), segmentation.getSegmentationImage(), blobs.getBlobs()});
             ++written;
             found += static_cast<int>(objects.size());
         }

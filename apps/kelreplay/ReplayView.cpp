@@ -1,5 +1,6 @@
 #include "kelreplay/ReplayView.h"
 
+#include "common/Follower.h"
 #include "common/Program.h"
 
 #include <kelCore/data/kelDataBlob.h>
@@ -8,13 +9,9 @@
 #include <QRect>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
-
-QRect recordedBox(const kelDataFlowRecord &record)
-{
-    return record.properties.value(QStringLiteral("BoundingBox2D")).toRect();
-}
 
 /// The smallest picture from the origin that shows every box, within reason.
 cv::Size canvasSize(const Recording &recording)
@@ -22,17 +19,28 @@ cv::Size canvasSize(const Recording &recording)
     const int largest = 8192;
     cv::Size size(0, 0);
     for (int i = 0; i < static_cast<int>(recording.records().size()); ++i) {
-        const QRect box = recordedBox(recording.record(i));
+        const QRect box = boxOf(recording.record(i));
         size.width = std::max(size.width, std::min(box.right(), largest) + 8);
         size.height = std::max(size.height, std::min(box.bottom(), largest) + 8);
     }
     return size.width > 8 && size.height > 8 ? size : cv::Size(640, 480);
 }
 
+/// Frames per second; 0 when the times do not tell.
+int recordedRate(const std::vector<RecordedFrame> &frames)
+{
+    if (frames.size() < 2 || frames.front().time.isNull() || frames.back().time.isNull())
+        return 0;
+    const qint64 span = frames.front().time.msecsTo(frames.back().time);
+    return span > 0 ? static_cast<int>(std::lround(double(frames.size() - 1) * 1000 / double(span))) : 0;
+}
+
 } // namespace
 
-ReplayView::ReplayView(const Recording &recording, const QString &video) : m_recording(recording)
+ReplayView::ReplayView(const Recording &recording, const QString &video, const ViewSettings &settings)
+    : m_recording(recording), m_view(makeView(settings))
 {
+    m_view->setFrameRate(recordedRate(recording.frames()));
     if (!video.isEmpty())
         m_video = std::make_unique<VideoSource>(video);
     if (m_video && m_video->isCamera())
@@ -54,26 +62,21 @@ cv::Mat ReplayView::background(const RecordedFrame &frame)
 
 void ReplayView::show(int index)
 {
-    const RecordedFrame &frame = m_recording.frames()[static_cast<size_t>(index)];
-    QSharedPointer<kelDataImage> image(new kelDataImage);
-    image->setImage(background(frame));
-    QList<QSharedPointer<kelDataBlob>> blobs;
-    for (const kelDataFlowRecord &record : m_recording.recordsOf(frame)) {
-        const QRect box = recordedBox(record);
-        if (record.dataType != QLatin1String("kelDataBlob") || box.isNull())
-            continue;
-        QSharedPointer<kelDataBlob> blob(new kelDataBlob);
-        blob->setBoundingBox2D(cv::Rect(box.x(), box.y(), box.width(), box.height()));
-        blobs.append(blob);
-    }
-    m_view.setAcquisitionImage(image);
-    m_view.setBlobs(blobs);
-}
+    const std::vector<RecordedFrame> &frames = m_recording.frames();
+    if (Follower *follower = m_view->follower())
+        for (auto next = static_cast<size_t>(follower->frameCount()); next <= static_cast<size_t>(index);
+             ++next)
+            follower->add(frames[next].stamp(), m_recording.boxesOf(frames[next]));
 
-cv::Mat ReplayView::picture(const SceneOverlay &overlay)
-{
-    m_view.updateDisplay();
-    cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
-    overlay.draw(picture);
-    return picture;
+    const RecordedFrame &frame = frames[static_cast<size_t>(index)];
+    Shot shot;
+    shot.index = index;
+    shot.picture.reset(new kelDataImage);
+    shot.picture->setImage(background(frame));
+    for (const cv::Rect &box : m_recording.boxesOf(frame)) {
+        QSharedPointer<kelDataBlob> blob(new kelDataBlob);
+        blob->setBoundingBox2D(box);
+        shot.blobs.append(blob);
+    }
+    m_view->showShot(shot);
 }

@@ -9,14 +9,15 @@
 
 #include <algorithm>
 
-ReplayWindow::ReplayWindow(const Recording &recording, const QString &video)
-    : m_recording(recording), m_view(recording, video)
+ReplayWindow::ReplayWindow(const Recording &recording, const QString &video, const ViewSettings &settings)
+    : m_recording(recording), m_view(recording, video, settings)
 {
     setWindowTitle(QFileInfo(recording.documentPath()).absolutePath());
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_view.widget());
     layout->addWidget(&m_line);
     m_view.widget()->installEventFilter(this);
+    m_view.widget()->setFocus();
     m_timer.callOnTimeout(this, &ReplayWindow::next);
     go(0);
     resize(m_view.widget()->sizeHint() + QSize(24, 48));
@@ -24,22 +25,27 @@ ReplayWindow::ReplayWindow(const Recording &recording, const QString &video)
 
 bool ReplayWindow::eventFilter(QObject *, QEvent *event)
 {
-    if (event->type() != QEvent::KeyPress)
-        return false;
-    keyPressEvent(static_cast<QKeyEvent *>(event));
-    return true;
+    return event->type() == QEvent::KeyPress && handle(static_cast<QKeyEvent *>(event)->key());
 }
 
 void ReplayWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (!handle(event->key()) && event->key() == Qt::Key_Escape)
+        close();
+}
+
+bool ReplayWindow::handle(int key)
 {
     const int last = static_cast<int>(m_recording.frames().size()) - 1;
     const auto step = [this](int index) {
         play(false);
         go(index);
+        return true;
     };
-    switch (event->key()) {
+    switch (key) {
     case Qt::Key_Space:
-        return play(!m_timer.isActive());
+        play(!m_timer.isActive());
+        return true;
     case Qt::Key_Left:
         return step(m_current - 1);
     case Qt::Key_Right:
@@ -53,11 +59,10 @@ void ReplayWindow::keyPressEvent(QKeyEvent *event)
     case Qt::Key_End:
         return step(last);
     case Qt::Key_Q:
-    case Qt::Key_Escape:
         close();
-        return;
+        return true;
     default:
-        return;
+        return false;
     }
 }
 

@@ -1,6 +1,7 @@
 /// \file
 /// kelreplay: reads a recorded run.
 
+#include "common/FrameView.h"
 #include "common/PictureSink.h"
 #include "common/Program.h"
 #include "common/Recording.h"
@@ -30,7 +31,8 @@ const char *const notes = R"(Commands:
 RECORDING is the folder of a recording, or the path of its document.
 
 Keys of show: blank plays and pauses, left and right step, page up and down step by
-25 frames, home and end go to the first and the last frame, Q or Escape closes.
+25 frames, home and end go to the first and the last frame, Q closes, and Escape
+too, except in --view rgbd.
 
 Examples:
   kelreplay info run1
@@ -38,6 +40,7 @@ Examples:
   kelreplay render run1 120 frame.png --video street.avi
   kelreplay render run1 120 frame.png --video street.avi \
             --calibration camera.yml --context zones.yml
+  kelreplay show run1 --video street.avi --view rgbd
   kelreplay cat run1 | head
 
 A run that was killed may hold records of a frame that its document does not hold yet,
@@ -143,7 +146,7 @@ void verify(const Recording &recording)
     print(line);
 }
 
-void show(const Recording &recording, const QString &video)
+void show(const Recording &recording, const QString &video, const ViewSettings &settings)
 {
     if (!hasDisplay())
         throw Failure(
@@ -151,18 +154,18 @@ void show(const Recording &recording, const QString &video)
     if (recording.frames().empty())
         throw Failure(QStringLiteral("%1 holds no frame to show").arg(recording.documentPath()));
     recording.check();
-    ReplayWindow window(recording, video);
+    ReplayWindow window(recording, video, settings);
     window.show();
     QApplication::exec();
 }
 
 void render(const Recording &recording, const QString &number, const QString &target, const QString &video,
-            const SceneOverlay &overlay)
+            const ViewSettings &settings)
 {
     recording.check();
-    ReplayView view(recording, video);
+    ReplayView view(recording, video, settings);
     view.show(framesNumbered(recording, number).front());
-    writePng(target, view.picture(overlay));
+    writePng(target, view.picture());
     print(QStringLiteral("drew frame %1 to %2").arg(number, target));
 }
 
@@ -192,13 +195,16 @@ void replay(const QStringList &arguments)
     parser.addOption({QStringLiteral("video"), QStringLiteral("The video that was recorded, to draw over."),
                       QStringLiteral("V")});
     parser.addOption({QStringLiteral("calibration"),
-                      QStringLiteral("Calibration of the camera, to draw a grid on the ground with render."),
+                      QStringLiteral("Calibration of the camera: render then draws a grid on the ground, and "
+                                     "--view rgbd knows where actors stand."),
                       QStringLiteral("FILE")});
     parser.addOption(
         {QStringLiteral("context"),
-         QStringLiteral("Zones, walls and objects of the scene, to draw with render; needs --calibration."),
+         QStringLiteral("Zones, walls and objects of the scene, to draw with render or in --view rgbd; needs "
+                        "--calibration."),
          QStringLiteral("FILE")});
-    if (!parse(parser, arguments, QString::fromLatin1(usage), QString::fromLatin1(notes)))
+    addViewOptions(parser);
+    if (!parse(parser, arguments, QString::fromLatin1(usage), viewNotes() + QString::fromLatin1(notes)))
         return;
 
     struct Command
@@ -207,20 +213,17 @@ void replay(const QStringList &arguments)
         std::function<void(const Recording &, const QStringList &)> run;
     };
     const QString video = parser.value(QStringLiteral("video"));
-    const QString calibration = parser.value(QStringLiteral("calibration"));
-    const QString context = parser.value(QStringLiteral("context"));
+    const ViewSettings view = readViewSettings(parser);
     const bool json = parser.isSet(QStringLiteral("json"));
     const std::map<QString, Command> commands{
         {QStringLiteral("info"), {{}, [](auto &recording, auto &) { info(recording); }}},
         {QStringLiteral("frame"),
          {{"N"}, [&](auto &recording, auto &rest) { frame(recording, rest[0], json); }}},
         {QStringLiteral("verify"), {{}, [](auto &recording, auto &) { verify(recording); }}},
-        {QStringLiteral("show"), {{}, [&](auto &recording, auto &) { show(recording, video); }}},
+        {QStringLiteral("show"), {{}, [&](auto &recording, auto &) { show(recording, video, view); }}},
         {QStringLiteral("render"),
          {{"N OUT.png"},
-          [&](auto &recording, auto &rest) {
-              render(recording, rest[0], rest[1], video, SceneOverlay(calibration, context));
-          }}},
+          [&](auto &recording, auto &rest) { render(recording, rest[0], rest[1], video, view); }}},
         {QStringLiteral("cat"), {{}, [](auto &recording, auto &) { cat(recording); }}},
     };
 

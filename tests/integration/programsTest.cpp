@@ -409,6 +409,13 @@ TEST_F(programsTest, BadInputIsOneLineAndACode)
         {{"video.avi", "--out", "x", "--render-every", "0"}, 2},
         {{"video.avi", "--out", "x", "--min-area", "-1"}, 2},
         {{"video.avi", "--out", "x", "--append", "--overwrite"}, 2},
+        {{"video.avi", "--out", "x", "--view", "other"}, 2},
+        {{"video.avi", "--out", "x", "--view", ""}, 2},
+        {{"video.avi", "--out", "x", "--keys", "I"}, 2},
+        {{"video.avi", "--out", "x", "--view", "plain", "--keys", "I"}, 2},
+        {{"video.avi", "--out", "x", "--view", "rgbd", "--keys", "IQ"}, 2},
+        {{"video.avi", "--out", "x", "--view", "rgbd", "--mask"}, 2},
+        {{"video.avi", "--out", "x", "--view", "rgbd", "--context", "other.xml"}, 2},
         {{"missing.avi", "--out", "x"}, 1},
         {{"text.txt", "--out", "x"}, 1},
         {{"empty.avi", "--out", "x"}, 1},
@@ -436,6 +443,12 @@ TEST_F(programsTest, BadInputIsOneLineAndACode)
         {{"info", "run", "more"}, 2},
         {{"frame", "run"}, 2},
         {{"frame", "run", "first"}, 2},
+        {{"render", "run", "1", "x.png", "--view", "other"}, 2},
+        {{"render", "run", "1", "x.png", "--keys", "I"}, 2},
+        {{"render", "run", "1", "x.png", "--view", "rgbd", "--keys", "I?"}, 2},
+        {{"render", "run", "1", "x.png", "--view", "rgbd", "--context", "other.xml"}, 2},
+        {{"render", "run", "1", "x.png", "--view", "rgbd", "--calibration", "text.txt"}, 1},
+        {{"render", "run", "1", "x.png", "--view", "rgbd", "--video", "text.txt"}, 1},
         {{"info", "missing"}, 1},
         {{"info", "nothing"}, 1},
         {{"info", "text.txt"}, 1},
@@ -615,6 +628,106 @@ TEST_F(programsTest, DrawnFramesShowTheGroundGridAndTheContext)
         kelreplay(QStringList{"render", "run", "0", "x.png", "--context", "street.avi"} + calibration);
     EXPECT_EQ(bad.code, 1) << bad;
     EXPECT_TRUE(bad.oneLine()) << bad;
+}
+
+TEST_F(programsTest, TheOperatorsViewIsTheSameWhileRecordingAndFromTheRecording)
+{
+    const QStringList view{"--view", "rgbd", "--keys", "I"};
+    ASSERT_EQ(kelrecord(recording("run", QStringList{"--render", "live"} + view)).code, 0);
+    for (const int frame : {0, 16, 20, 39}) {
+        const QString name = QStringLiteral("%1.png").arg(frame);
+        const Ended render = kelreplay(
+            QStringList{"render", "run", QString::number(frame), name, "--video", "video.avi"} + view);
+        ASSERT_EQ(render.code, 0) << render;
+        const cv::Mat live =
+            cv::imread(QStringLiteral("live/frame_%1.png").arg(frame, 6, 10, QLatin1Char('0')).toStdString());
+        const cv::Mat replayed = cv::imread(name.toStdString());
+        ASSERT_EQ(live.size(), cv::Size(640, 120 + 480));
+        EXPECT_EQ(cv::norm(live, replayed, cv::NORM_INF), 0) << frame;
+    }
+}
+
+TEST_F(programsTest, TheOperatorsViewShowsActorsAndTheTimeline)
+{
+    ASSERT_EQ(kelrecord(recording("run")).code, 0);
+    const auto drawn = [](const QString &frame, const QString &keys) {
+        const Ended render = kelreplay(
+            {"render", "run", frame, "drawn.png", "--video", "video.avi", "--view", "rgbd", "--keys", keys});
+        EXPECT_EQ(render.code, 0) << render;
+        return cv::imread("drawn.png");
+    };
+    const auto count = [](const cv::Mat &picture, const cv::Scalar &color) {
+        cv::Mat found;
+        cv::inRange(picture, color, color, found);
+        return cv::countNonZero(found);
+    };
+    const cv::Scalar magenta(255, 0, 255), cyan(255, 255, 0);
+    const QList<cv::Rect> found = boxes("run", 25);
+    ASSERT_EQ(found.size(), 1);
+
+    const cv::Mat boxAndWay = drawn("25", "e"); // without the text; the first actor's colour is magenta
+    EXPECT_EQ(boxAndWay.at<cv::Vec3b>(found[0].y, found[0].x + found[0].width / 2), cv::Vec3b(255, 0, 255));
+    const cv::Mat way = drawn("25", "EB");
+    EXPECT_GT(way.at<cv::Vec3b>(found[0].y, found[0].x + found[0].width / 2)[1], 60);
+    const int past = boxes("run", 20).front().x + boxes("run", 20).front().width / 2;
+    EXPECT_GT(count(way(cv::Rect(past - 2, found[0].y + found[0].height - 4, 4, 8)), magenta), 4);
+    EXPECT_EQ(count(drawn("25", "EBT").rowRange(0, 120), magenta), 0);
+    EXPECT_GT(count(drawn("25", "EBTI").rowRange(0, 120), magenta), 0) << "the label";
+
+    const cv::Rect timeline(0, 120, 640, 480);
+    EXPECT_EQ(count(drawn("10", "E")(timeline), cyan), 0) << "nothing has been in view yet";
+    const int bar = count(drawn("20", "E")(timeline), cyan);
+    EXPECT_GT(bar, 0);
+    EXPECT_EQ(count(boxAndWay(timeline), cyan), bar + 5 * 18) << "half a second more";
+}
+
+TEST_F(programsTest, AnAppendedRunGoesOnWithItsActors)
+{
+    const QStringList view{"--view", "rgbd", "--keys", "I", "--render"};
+    ASSERT_EQ(kelrecord(recording("whole", view + QStringList{"a"})).code, 0);
+    ASSERT_EQ(kelrecord(recording("parts", {"--max-frames", "23"})).code, 0);
+    ASSERT_EQ(kelrecord(recording("parts", view + QStringList{"b", "--append"})).code, 0);
+    EXPECT_EQ(QDir("b").entryList(QDir::Files).size(), frameCount - 23);
+    EXPECT_EQ(content("b/frame_000030.png"), content("a/frame_000030.png"));
+}
+
+TEST_F(programsTest, TheOperatorsViewIsDrawnIntoAVideo)
+{
+    ASSERT_EQ(kelrecord(recording("run", {"--render", "run.avi", "--view", "rgbd"})).code, 0);
+    cv::VideoCapture video("run.avi");
+    ASSERT_TRUE(video.isOpened());
+    EXPECT_EQ(video.get(cv::CAP_PROP_FRAME_COUNT), frameCount);
+    EXPECT_EQ(video.get(cv::CAP_PROP_FRAME_HEIGHT), 600);
+}
+
+TEST_F(programsTest, TheOperatorsViewDrawsTheZonesByItself)
+{
+    const QString data = QStringLiteral(KEL_SOURCE_DIR "/examples/data/");
+    const QStringList scene{"--calibration", data + "vtest_camera.yml", "--context",
+                            data + "vtest_context.yml"};
+    {
+        cv::VideoWriter video("street.avi", cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), 7, {768, 576});
+        for (int i = 0; i < 2; ++i)
+            video.write(cv::Mat(576, 768, CV_8UC3, cv::Scalar(90, 90, 90)));
+    }
+    ASSERT_EQ(kelrecord(QStringList{"street.avi", "--out", "run"} + scene).code, 0);
+    const auto drawn = [&scene](const QString &keys) {
+        EXPECT_EQ(kelreplay(QStringList{"render", "run", "0", "drawn.png", "--video", "street.avi", "--view",
+                                        "rgbd", "--keys", keys}
+                            + scene)
+                      .code,
+                  0);
+        return cv::imread("drawn.png");
+    };
+    const cv::Mat without = drawn("E"), with = drawn("EZ");
+    cv::Mat plain;
+    cv::inRange(without.rowRange(0, 576), cv::Scalar(86, 86, 86), cv::Scalar(94, 94, 94), plain);
+    EXPECT_EQ(cv::countNonZero(plain), 576 * 768) << "neither grid nor zones";
+    kelAbstractDataCalibration camera;
+    ASSERT_TRUE(camera.read(data + "vtest_camera.yml"));
+    const cv::Point2d junction = camera.worldToImage({-8000, -7500, 0});
+    const cv::Point pixel(cvRound(junction.x), cvRound(junction.y));
+    EXPECT_GT(with.at<cv::Vec3b>(pixel)[2], without.at<cv::Vec3b>(pixel)[2] + 40);
 }
 
 TEST_F(programsTest, ProgressIsALineAtATimeWithoutATerminal)

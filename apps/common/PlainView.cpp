@@ -1,0 +1,22 @@
+#include "common/PlainView.h"
+
+#include "common/SceneOverlay.h"
+
+#include <kelCore/data/kelDataBlob.h>
+#include <kelCore/data/kelDataImage.h>
+
+void PlainView::showShot(const Shot &shot)
+{
+    m_view.setAcquisitionImage(shot.picture);
+    if (m_mask)
+        m_view.setSegmentationImage(shot.foreground);
+    m_view.setBlobs(shot.blobs);
+}
+
+cv::Mat PlainView::picture()
+{
+    m_view.updateDisplay();
+    cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
+    drawScene(picture, m_scene);
+    return picture;
+}
