@@ -39,6 +39,7 @@ demo=$PWD/build/demo
 recording=$demo/recording
 frames=$demo/frames
 replayed=$demo/replayed.png
+operator=$demo/operator.png
 
 # Takes vtest.avi out of the package without unpacking the rest of it.
 fetch_video() {
@@ -75,8 +76,10 @@ kelreplay=build/bin/kelreplay
 
 mkdir -p "$demo"
 settings=()
+scene=()
 if [[ -z $video ]]; then
-    # The file names no date, and the people in it are small.
+    # The file names no date, and the people in it are small. Its camera is known.
+    scene=(--keys Z --calibration examples/data/vtest_camera.yml --context examples/data/vtest_context.yml)
     settings=(--fps 7 --start 2009-01-01T00:00:00Z --min-area 300 --min-dimension 15)
     video=$demo/vtest.avi
     [[ -s $video ]] || fetch_video
@@ -88,7 +91,7 @@ if [[ $show == yes && -z ${CI:-} && -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
 fi
 
 say "recording $video"
-rm -rf "$frames" "$replayed"
+rm -rf "$frames" "$replayed" "$operator"
 mkdir -p "$frames"
 "$kelrecord" "$video" --out "$recording" --overwrite "${settings[@]}" "${limit[@]}" "${live[@]}" \
     --render "$frames" --render-every 100 </dev/null || fail "recording failed"
@@ -101,5 +104,7 @@ frame=$(busiest_frame)
 say "replaying frame $frame"
 "$kelreplay" render "$recording" "$frame" "$replayed" --video "$video" </dev/null \
     || fail "frame $frame could not be rendered"
+"$kelreplay" render "$recording" "$frame" "$operator" --video "$video" --view rgbd "${scene[@]}" </dev/null \
+    || fail "frame $frame could not be rendered in the operator's view"
 
-say "look at $replayed, the frames in $frames and the recording in $recording"
+say "look at $replayed and $operator, the frames in $frames and the recording in $recording"
