@@ -16,7 +16,7 @@ void PlainView::showShot(const Shot &shot)
 cv::Mat PlainView::picture()
 {
     m_view.updateDisplay();
-    cv::Mat picture = m_view.getDisplay()->getImage(); // made anew by each update, so free to be drawn on
+    cv::Mat picture = m_view.getDisplay()->getImage(); // each update draws all of it anew
     drawScene(picture, m_scene);
     return picture;
 }

@@ -8,6 +8,7 @@
 #include <kelCore/data/kelDataPhysicalObject.h>
 
 #include "support/Capture.h"
+#include "support/ViewInput.h"
 
 #include <gmock/gmock.h>
 
@@ -45,24 +46,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-using Image = QSharedPointer<kelDataImage>;
 using Actor = QSharedPointer<kelDataActor>;
 using Actors = std::list<QSharedPointer<const kelDataActor>>;
 using Event = QSharedPointer<kelDataEvent>;
 using Calibration = kelAbstractDataCalibrationWithDepth;
 using Strings = std::vector<std::string>;
-
-Image image(const cv::Mat &pixels)
-{
-    Image result(new kelDataImage);
-    result->setImage(pixels);
-    return result;
-}
-
-Image frame(int width, int height, const cv::Scalar &bgr = cv::Scalar(10, 20, 30))
-{
-    return image(cv::Mat(height, width, CV_8UC3, bgr));
-}
 
 /// A depth image whose columns grow from 100 to 100 + width - 1.
 Image depthFrame(int width, int height)
@@ -198,23 +186,6 @@ ContextElement element(const char *semantic, const char *shape, const std::list<
     result.shape = shape;
     result.polygonVertices = vertices;
     return result;
-}
-
-template <class Object> QSharedPointer<Object> withBox(int x, int y, int width, int height)
-{
-    QSharedPointer<Object> object(new Object);
-    object->setBoundingBox2D(cv::Rect(x, y, width, height));
-    return object;
-}
-
-using Blob = QSharedPointer<kelDataBlob>;
-using PhysicalObject = QSharedPointer<kelDataPhysicalObject>;
-
-Blob blob(int x, int y, int width, int height) { return withBox<kelDataBlob>(x, y, width, height); }
-
-PhysicalObject physicalObject(int x, int y, int width, int height)
-{
-    return withBox<kelDataPhysicalObject>(x, y, width, height);
 }
 
 const QColor gold(255, 215, 0);

@@ -6,6 +6,7 @@
 #include <kelCore/data/kelDataPhysicalObject.h>
 
 #include "support/Capture.h"
+#include "support/ViewInput.h"
 
 #include <gmock/gmock.h>
 
@@ -27,46 +28,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-using Image = QSharedPointer<kelDataImage>;
-using Blob = QSharedPointer<kelDataBlob>;
-using PhysicalObject = QSharedPointer<kelDataPhysicalObject>;
-
-Image image(const cv::Mat &pixels)
-{
-    Image result(new kelDataImage);
-    result->setImage(pixels);
-    return result;
-}
-
-Image frame(int width, int height, const cv::Scalar &bgr = cv::Scalar(10, 20, 30))
-{
-    return image(cv::Mat(height, width, CV_8UC3, bgr));
-}
-
-Image mask(int width, int height, int value)
-{
-    return image(cv::Mat(height, width, CV_8UC1, cv::Scalar(value)));
-}
-
-Image mask(int width, std::vector<uchar> bytes)
-{
-    return image(cv::Mat(bytes, true).reshape(1, static_cast<int>(bytes.size()) / width));
-}
-
-template <class Object> QSharedPointer<Object> withBox(int x, int y, int width, int height)
-{
-    QSharedPointer<Object> object(new Object);
-    object->setBoundingBox2D(cv::Rect(x, y, width, height));
-    return object;
-}
-
-Blob blob(int x, int y, int width, int height) { return withBox<kelDataBlob>(x, y, width, height); }
-
-PhysicalObject physicalObject(int x, int y, int width, int height)
-{
-    return withBox<kelDataPhysicalObject>(x, y, width, height);
-}
 
 QGraphicsView *graphicsView(kelView &view) { return dynamic_cast<QGraphicsView *>(view.widget()); }
 

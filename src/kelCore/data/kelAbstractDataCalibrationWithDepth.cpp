@@ -1,6 +1,7 @@
 #include <kelCore/data/kelAbstractDataCalibrationWithDepth.h>
 #include <kelCore/data/kelAbstractDataCalibrationWithDepth_p.h>
 #include <kelCore/data/kelDataContext_p.h>
+#include <kelCore/data/kelSharedMatrix_p.h>
 
 #include <nubCore/nubNotice.h>
 
@@ -35,8 +36,6 @@ struct Pinhole
 
 bool holdsDepth(const cv::Mat &map) { return map.dims <= 2 && map.type() == CV_32FC1; }
 
-bool isShared(const cv::Mat &map) { return !map.u || map.u->refcount != 1 || map.u->urefcount != 0; }
-
 /// Fills `count` elements from the file, and those that the file does not hold with -1.
 void readElements(std::istream &file, float *elements, std::size_t count)
 {
@@ -48,7 +47,7 @@ void readElements(std::istream &file, float *elements, std::size_t count)
 /// A map of that many rows to read into: `map` itself where nobody else would see it.
 cv::Mat mapToFill(const cv::Mat &map, int rows, int columnsFilled)
 {
-    if (map.rows == rows && !isShared(map))
+    if (map.rows == rows && !kelIsShared(map))
         return map;
     cv::Mat result(rows, map.cols, CV_32FC1);
     if (columnsFilled < map.cols) {

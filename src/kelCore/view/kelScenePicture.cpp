@@ -1,6 +1,7 @@
 #include <kelCore/view/kelScenePicture_p.h>
 
 #include <kelCore/data/kelDataImage.h>
+#include <kelCore/data/kelSharedMatrix_p.h>
 #include <kelCore/utils/kelValueRange_p.h>
 
 #include <opencv2/core.hpp>
@@ -23,8 +24,7 @@ namespace {
 cv::Mat pictureFor(const kelDataImage &display, int width, int height)
 {
     const cv::Mat &held = display.getImage();
-    const bool shared = !held.u || held.u->refcount != 1 || held.u->urefcount != 0;
-    if (shared || held.type() != CV_8UC4 || held.size() != cv::Size(width, height))
+    if (kelIsShared(held) || held.type() != CV_8UC4 || held.size() != cv::Size(width, height))
         return cv::Mat(height, width, CV_8UC4);
     return held;
 }

@@ -52,9 +52,9 @@ public:
     /// Replaces the rectangles around physical objects.
     void setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects);
 
-    /// Renders the scene into a new picture of the scene's size and hands it to the display image: four
-    /// channels, in memory order blue, green, red, 255. The picture owns its pixels. While nothing was set
-    /// yet, the display image stays empty.
+    /// Renders the scene into a picture of the scene's size and hands it to the display image: four channels,
+    /// in memory order blue, green, red, 255. The picture owns its pixels; a matrix that still holds the
+    /// picture before keeps it as it is. While nothing was set yet, the display image stays empty.
     void updateDisplay();
 
 private:

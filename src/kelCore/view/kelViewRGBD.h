@@ -84,9 +84,10 @@ public:
     /// As kelView::setPhysicalObjects; what it shows lasts until the next `updateDisplay`.
     void setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects);
 
-    /// Draws the scene anew and renders it into a new picture of the background's size, which is handed to
-    /// the display image: four channels, in memory order blue, green, red, 255. The picture owns its pixels.
-    /// The frame rate is drawn behind that: it is on the screen only.
+    /// Draws the scene anew and renders it into a picture of the background's size, which is handed to the
+    /// display image: four channels, in memory order blue, green, red, 255. The picture owns its pixels; a
+    /// matrix that still holds the picture before keeps it as it is. The frame rate is drawn behind that: it
+    /// is on the screen only.
     ///
     /// A missing colour frame leaves out the background; a missing depth frame does too, and turns
     /// `showDepth` off. Until there was a background, the display image stays empty. With the display
