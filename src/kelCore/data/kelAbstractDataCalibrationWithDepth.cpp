@@ -1,7 +1,7 @@
 #include <kelCore/data/kelAbstractDataCalibrationWithDepth.h>
 #include <kelCore/data/kelAbstractDataCalibrationWithDepth_p.h>
 #include <kelCore/data/kelDataContext_p.h>
-#include <kelCore/data/kelSharedMatrix_p.h>
+#include <kelCore/geometry/internal/kelSharedMatrix.h>
 
 #include <nubCore/nubNotice.h>
 

@@ -1,6 +1,6 @@
 #include <kelCore/utils/opencvutils.h>
 
-#include <kelCore/utils/kelValueRange_p.h>
+#include <kelCore/utils/internal/kelValueRange.h>
 
 #include <opencv2/core.hpp>
 #include <opencv2/highgui.hpp>

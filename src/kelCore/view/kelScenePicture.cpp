@@ -1,8 +1,8 @@
 #include <kelCore/view/kelScenePicture_p.h>
 
 #include <kelCore/data/kelDataImage.h>
-#include <kelCore/data/kelSharedMatrix_p.h>
-#include <kelCore/utils/kelValueRange_p.h>
+#include <kelCore/geometry/internal/kelSharedMatrix.h>
+#include <kelCore/utils/internal/kelValueRange.h>
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

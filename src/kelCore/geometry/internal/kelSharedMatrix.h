@@ -1,5 +1,5 @@
-#ifndef KELCORE_KELSHAREDMATRIX_P_H
-#define KELCORE_KELSHAREDMATRIX_P_H
+#ifndef KELCORE_KELSHAREDMATRIX_H
+#define KELCORE_KELSHAREDMATRIX_H
 
 /// \file
 /// Who else holds a matrix's elements. Internal.

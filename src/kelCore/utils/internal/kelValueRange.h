@@ -1,5 +1,5 @@
-#ifndef KELCORE_KELVALUERANGE_P_H
-#define KELCORE_KELVALUERANGE_P_H
+#ifndef KELCORE_KELVALUERANGE_H
+#define KELCORE_KELVALUERANGE_H
 
 /// \file
 /// The range of a matrix's values. Internal.

@@ -1,4 +1,4 @@
-#include <kelCore/utils/kelValueRange_p.h>
+#include <kelCore/utils/internal/kelValueRange.h>
 
 #include <opencv2/core.hpp>
 
