@@ -1,16 +1,29 @@
 #!/usr/bin/env bash
-# Builds the benchmarks optimised and runs them all. The rows named "median" are the figures to read.
+# Builds the benchmarks optimised and runs them. The rows named "median" are the figures to read; a ratio above its
+# bound is said at the end, and an error.
 #
-# usage: bench/run.sh [BUILD_DIR]
-#   BUILD_DIR   default: build-bench
-set -euo pipefail
+# usage: bench/run.sh [PROGRAM...]
+#   PROGRAM   runs these alone, such as appendRecordBench; without one, all of them run
+source "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/../scripts/common.sh"
 
-source=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build=$(realpath -m "${1:-$source/build-bench}")
-
-cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKEL_BUILD_BENCH=ON >/dev/null
-cmake --build "$build" --target benchmarks
-cd "$build"
-for program in bin/*Bench; do
-    "$program" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+programs=("$@")
+for program in "${programs[@]}"; do
+    case $program in
+        -h | --help) usage; exit 0 ;;
+        -*) misused "unknown option $program" ;;
+        *) [[ -r $top/bench/$program.cpp && $program == *Bench ]] || misused "there is no benchmark $program" ;;
+    esac
 done
+
+cd "$top"
+scripts/setup.sh
+((${#programs[@]})) || mapfile -t programs < <(basename -s .cpp bench/*Bench.cpp)
+build release "${programs[@]}"
+
+failed=()
+for program in "${programs[@]}"; do
+    (cd build && "bin/$program" --benchmark_repetitions=5) \
+        || failed+=("$program")
+done
+((${#failed[@]} == 0)) || fail "above a bound, or with an error: ${failed[*]}"
+say "every ratio is within its bound"

@@ -1,16 +1,13 @@
 #!/usr/bin/env bash
-# Builds the programs, records a video of people walking across a road, and shows what was recorded.
+# Builds the programs, records a video of people walking across a road, and shows what was recorded. Run again, it
+# installs, downloads and builds only what is left to do, and records anew.
 #
 # usage: scripts/demo.sh [--max-frames N] [--no-show] [VIDEO]
 #   VIDEO            a video of your own; without it, vtest.avi out of Debian's package opencv-doc, which is
 #                    downloaded once
 #   --max-frames N   record the first N frames only
 #   --no-show        show no live window; without a display, and with CI set, none is shown anyway
-set -euo pipefail
-
-say() { printf 'demo: %s\n' "$*"; }
-fail() { say "$*" >&2; exit 1; }
-misused() { printf 'demo: %s (usage: scripts/demo.sh [--max-frames N] [--no-show] [VIDEO])\n' "$*" >&2; exit 2; }
+source "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/common.sh"
 
 show=yes
 limit=()
@@ -23,19 +20,19 @@ while (($#)); do
             shift
             ;;
         --no-show) show=no ;;
-        -h | --help) sed -n '/^# usage/,/^[^#]/s/^# //p' "${BASH_SOURCE[0]}"; exit 0 ;;
+        -h | --help) usage; exit 0 ;;
         -*) misused "unknown option $1" ;;
         *) [[ -z $video ]] || misused "more than one video"; video=$1 ;;
     esac
     shift
 done
 if [[ -n $video ]]; then
-    [[ -r $video ]] || fail "there is no video $video"
+    [[ -f $video && -r $video ]] || fail "there is no video $video that can be read"
     video=$(realpath "$video")
 fi
 
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-demo=$PWD/build/demo
+cd "$top"
+demo=$top/build/demo
 recording=$demo/recording
 frames=$demo/frames
 replayed=$demo/replayed.png
@@ -48,9 +45,8 @@ fetch_video() {
     say "fetching vtest.avi: Debian's package opencv-doc, about 100 MB, is downloaded for it"
     rm -rf "$folder"
     mkdir -p "$folder"
-    (cd "$folder" && "${apt_get[@]}" download opencv-doc </dev/null) || {
-        ((EUID == 0)) && "${apt_get[@]}" update </dev/null \
-            && (cd "$folder" && "${apt_get[@]}" download opencv-doc </dev/null)
+    (cd "$folder" && "${apt_get[@]}" download opencv-doc) || {
+        ((EUID == 0)) && "${apt_get[@]}" update && (cd "$folder" && "${apt_get[@]}" download opencv-doc)
     } || fail "opencv-doc could not be downloaded; give a video of your own: scripts/demo.sh VIDEO"
     dpkg-deb --fsys-tarfile "$folder"/opencv-doc_*.deb | tar -xO "$member" >"$folder/vtest.avi" \
         || fail "opencv-doc holds no vtest.avi; give a video of your own: scripts/demo.sh VIDEO"
@@ -67,10 +63,7 @@ busiest_frame() {
 
 scripts/setup.sh
 
-say "building the programs in build"
-cmake --preset release </dev/null || fail "the configuration failed: see the lines above"
-cmake --build --preset release --target kelrecord kelreplay </dev/null \
-    || fail "the build failed: see the lines above"
+build release kelrecord kelreplay
 kelrecord=build/bin/kelrecord
 kelreplay=build/bin/kelreplay
 
@@ -94,17 +87,17 @@ say "recording $video"
 rm -rf "$frames" "$replayed" "$operator"
 mkdir -p "$frames"
 "$kelrecord" "$video" --out "$recording" --overwrite "${settings[@]}" "${limit[@]}" "${live[@]}" \
-    --render "$frames" --render-every 100 </dev/null || fail "recording failed"
+    --render "$frames" --render-every 100 || fail "recording failed"
 
 say "verifying $recording"
-"$kelreplay" verify "$recording" </dev/null || fail "the recording is not sound"
-"$kelreplay" info "$recording" </dev/null || fail "the recording could not be read"
+"$kelreplay" verify "$recording" || fail "the recording is not sound"
+"$kelreplay" info "$recording" || fail "the recording could not be read"
 
 frame=$(busiest_frame)
 say "replaying frame $frame"
-"$kelreplay" render "$recording" "$frame" "$replayed" --video "$video" </dev/null \
+"$kelreplay" render "$recording" "$frame" "$replayed" --video "$video" \
     || fail "frame $frame could not be rendered"
-"$kelreplay" render "$recording" "$frame" "$operator" --video "$video" --view rgbd "${scene[@]}" </dev/null \
+"$kelreplay" render "$recording" "$frame" "$operator" --video "$video" --view rgbd "${scene[@]}" \
     || fail "frame $frame could not be rendered in the operator's view"
 
 say "look at $replayed and $operator, the frames in $frames and the recording in $recording"

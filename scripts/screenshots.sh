@@ -3,37 +3,30 @@
 #
 # usage: scripts/screenshots.sh FOLDER
 #   FOLDER   holds the recorded frame: five_people_color.png and five_people_depth_mm.png
-set -euo pipefail
-
-say() { printf 'screenshots: %s\n' "$*"; }
-fail() { say "$*" >&2; exit 1; }
+source "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/common.sh"
 
 case ${1:-} in
-    -h | --help) sed -n '/^# usage/,/^[^#]/s/^# //p' "${BASH_SOURCE[0]}"; exit 0 ;;
+    -h | --help) usage; exit 0 ;;
+    -*) misused "unknown option $1" ;;
 esac
-if (($# != 1)) || [[ $1 == -* ]]; then
-    printf 'screenshots: give the folder of the recorded frame (usage: scripts/screenshots.sh FOLDER)\n' >&2
-    exit 2
-fi
+(($# == 1)) || misused "give the folder of the recorded frame"
 frame=()
 for name in five_people_color.png five_people_depth_mm.png; do
     [[ -r $1/$name ]] || fail "there is no $1/$name"
     frame+=("$(realpath "$1/$name")")
 done
 
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$top"
 images=docs/images
 largest=150000 # bytes of a picture
 export QT_QPA_PLATFORM=offscreen
 
 scripts/setup.sh
 
-say "building rgbdFrame in build"
-cmake --preset release -DKEL_BUILD_TESTS=ON </dev/null || fail "the configuration failed: see the lines above"
-cmake --build --preset release --target rgbdFrame </dev/null || fail "the build failed: see the lines above"
+build release rgbdFrame
 
 # draw OPTIONS...: draws the frame; what the plane fit prints is not wanted here.
-draw() { build/bin/rgbdFrame "${frame[@]}" "$@" </dev/null >/dev/null || fail "the picture could not be drawn"; }
+draw() { build/bin/rgbdFrame "${frame[@]}" "$@" >/dev/null || fail "the picture could not be drawn"; }
 
 mkdir -p "$images"
 draw --keys GPZA --out "$images/view-rgbd.png" --small

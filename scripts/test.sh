@@ -3,37 +3,32 @@
 #
 # usage: scripts/test.sh [PRESET]
 #   PRESET           release (the default), debug, sanitize or qt6: see CMakePresets.json
-#   KEL_CMAKE_ARGS   environment variable: more arguments for the configuration, such as -DKEL_WERROR=ON
-set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-
-say() { printf 'test: %s\n' "$*"; }
-fail() { say "$*" >&2; exit 1; }
+#   KEL_CMAKE_ARGS   environment variable: more arguments for the configuration, such as -DKEL_WERROR=ON; they
+#                    hold for the preset's folder until others are given
+source "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/common.sh"
 
 preset=${1:-release}
 setup=()
 case $preset in
-    release) build=build ;;
-    qt6) build=build-qt6 setup=(--ci) ;;
-    debug | sanitize) build=build-$preset ;;
-    -h | --help) sed -n '/^# usage/,/^[^#]/s/^# //p' "${BASH_SOURCE[0]}"; exit 0 ;;
-    *) printf 'test: unknown preset %s (release, debug, sanitize, qt6)\n' "$preset" >&2; exit 2 ;;
+    -h | --help) usage; exit 0 ;;
+    release) folder=build ;;
+    qt6) folder=build-qt6 setup=(--qt6) ;;
+    debug | sanitize) folder=build-$preset ;;
+    -*) misused "unknown option $preset" ;;
+    *) misused "unknown preset $preset: release, debug, sanitize or qt6" ;;
 esac
-results=$PWD/$build/test-results
-read -ra cmake_args <<<"${KEL_CMAKE_ARGS:-}"
+(($# < 2)) || misused "more than one preset"
 
+cd "$top"
 scripts/setup.sh "${setup[@]}"
+build "$preset"
 
-say "configuring $build"
-cmake --preset "$preset" -DKEL_BUILD_TESTS=ON "${cmake_args[@]}" </dev/null || fail "configuring $build failed"
-say "building $build"
-cmake --build --preset "$preset" </dev/null || fail "building $build failed"
-
-say "running the tests of $build"
+results=$top/$folder/test-results
+say "running the tests of $folder"
 mkdir -p "$results"
 rm -f "$results"/*
 outcome=passed
 QT_QPA_PLATFORM=offscreen ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error \
-    --output-log "$results/tests.log" --output-junit "$results/tests.xml" </dev/null || outcome=failed
+    --output-log "$results/tests.log" --output-junit "$results/tests.xml" || outcome=failed
 say "$outcome; the log is $results/tests.log, the JUnit file $results/tests.xml"
 [[ $outcome == passed ]]
