@@ -28,6 +28,7 @@ endif()
 if(KEL_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
 # kel_add_library(<name> NAMESPACE <ns> EXPORT_BASE <BASE> SOURCES <files...>)
