@@ -36,7 +36,7 @@ void updateDisplay(benchmark::State &state)
     const QPixmap picture = QPixmap::fromImage(
         QImage(frame.data, width, height, static_cast<int>(frame.step), QImage::Format_RGB888).rgbSwapped());
     compare(
-        state, 0, [&] { return seconds([&] { view.updateDisplay(); }); },
+        state, 1.3, [&] { return seconds([&] { view.updateDisplay(); }); },
         [&] {
             return seconds([&] {
                 QImage target(width, height, QImage::Format_RGB32);

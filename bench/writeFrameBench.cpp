@@ -77,7 +77,7 @@ void writeFrame(benchmark::State &state, BenchFolder::Place place)
     // runs.
     QDomDocument plainDocument;
     compare(
-        state, place == BenchFolder::InMemory ? 1.1 : 0,
+        state, place == BenchFolder::InMemory ? 1.1 : 1.3,
         [&] {
             restore(document);
             return seconds([&] { done &= writer.writeDataFlow(); });
