@@ -4,9 +4,10 @@ set -euo pipefail
 exec </dev/null
 
 script=$(realpath "${BASH_SOURCE[1]}")
-script_name=$(basename "$script" .sh)
-# shellcheck disable=SC2034 # for the scripts
 top=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
+script_name=${script#"$top"/}
+script_name=${script_name#scripts/}
+script_name=${script_name%.sh}
 
 say() { printf '%s: %s\n' "$script_name" "$*"; }
 fail() { say "$*" >&2; exit 1; }
