@@ -6,6 +6,17 @@
 #include <cstddef>
 #include <limits>
 
+namespace {
+
+/// Whether the rows follow one another in memory. OpenCV's own flag is also down where a matrix has more scalars
+/// than an int counts, even if there are no rows at all.
+bool rowsFollowOneAnother(const cv::Mat &matrix)
+{
+    return matrix.rows <= 1 || matrix.step[0] == static_cast<std::size_t>(matrix.cols) * matrix.elemSize();
+}
+
+} // namespace
+
 QDataStream &operator<<(QDataStream &stream, cv::Mat const &matrix)
 {
     const qint64 bytes =
@@ -36,7 +47,7 @@ QDataStream &operator>>(QDataStream &stream, cv::Mat &matrix)
     stream >> byteCount;
     if (byteCount < 1)
         return stream;
-    if (!matrix.isContinuous())
+    if (!rowsFollowOneAnother(matrix))
         qFatal("opencvutils operator>> Mat can't deserialize non-continuous matrices.");
     const int fitting = static_cast<int>(
         std::min<std::size_t>(static_cast<std::size_t>(byteCount), matrix.total() * matrix.elemSize()));
