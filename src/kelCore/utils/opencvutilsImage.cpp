@@ -1,9 +1,9 @@
 #include <kelCore/utils/opencvutils.h>
 
+#include <kelCore/utils/internal/kelHighGui.h>
 #include <kelCore/utils/internal/kelValueRange.h>
 
 #include <opencv2/core.hpp>
-#include <opencv2/highgui.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -43,10 +43,15 @@ void showImage(cv::Mat const &image, QString const &title, bool wait)
         qWarning("OpenCVUtils::showImage null image.");
         return;
     }
+    const kelHighGui gui = kelHighGui::find();
+    if (!gui.imshow) {
+        qWarning("OpenCVUtils::showImage needs a QApplication, and its thread.");
+        return;
+    }
     cv::Mat shown;
     cvtUChar(image, shown);
-    cv::imshow(title.toStdString(), shown);
-    cv::waitKey(wait ? -1 : 1);
+    gui.imshow(title.toStdString(), shown);
+    gui.waitKey(wait ? -1 : 1);
 }
 
 } // namespace OpenCVUtils
