@@ -1,6 +1,6 @@
 /// \file
-/// Uses the installed package: a stage of its own, a recording and its replay, a view. The exit code is the
-/// number of expectations that did not hold.
+/// Uses the installed package: a stage of its own, a recording and its replay, a view, an image window. The
+/// exit code is the number of expectations that did not hold.
 
 #include <kelCore/data/CSynchronizer.h>
 #include <kelCore/data/kelDataBlob.h>
@@ -9,6 +9,7 @@
 #include <kelCore/process/kelAbstractProcessDataFlowWriter.h>
 #include <kelCore/process/kelAbstractProcessSegmentation.h>
 #include <kelCore/process/kelAbstractProcessSegmentation_p.h>
+#include <kelCore/utils/opencvutils.h>
 #include <kelCore/view/kelView.h>
 #include <nubLog/nubLogger.h>
 
@@ -124,6 +125,16 @@ void checkView(QSharedPointer<kelDataImage> frame)
     EXPECT(shown.at<cv::Vec4b>(0, 0) == cv::Vec4b(20, 20, 20, 255));
 }
 
+void checkImageWindow(const cv::Mat &image)
+{
+    OpenCVUtils::showImage(image, QStringLiteral("package"), false);
+    bool shown = false;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (const QWidget *window : windows)
+        shown = shown || (window->isVisible() && window->windowTitle() == QLatin1String("package"));
+    EXPECT(shown);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -142,6 +153,7 @@ int main(int argc, char **argv)
     checkStage(frame, box);
     checkRecording(QRect(8, 4, 20, 10));
     checkView(frame);
+    checkImageWindow(frame->getImage());
     if (failures == 0)
         std::puts("the installed package works");
     return failures;

@@ -40,9 +40,19 @@ KELCORE_EXPORT void cvtGray(cv::Mat const &source, cv::Mat &destination);
 /// channel, whatever the source has, and holds that value saturated to 0..255; this is deliberate.
 KELCORE_EXPORT void cvtUChar(cv::Mat const &source, cv::Mat &destination);
 
-/// Shows an image, converted with cvtUChar, in OpenCV's window of that title, then waits for a key: without
-/// end when `wait`, else for the millisecond that repainting takes. Without data nothing is shown, and a
-/// warning says so: "OpenCVUtils::showImage null image.".
+/// Shows an image, converted with cvtUChar, in a window of that title, which is made when there is none, then
+/// waits for a key: without end when `wait`, else for the millisecond that repainting takes. Without data nothing
+/// is shown, and a warning says so: "OpenCVUtils::showImage null image.".
+///
+/// The window is that of OpenCV's highgui, when the program is linked with it; else highgui is loaded at the first
+/// call, unless OpenCV was built with another Qt than this library, or without: then the library opens a window of
+/// its own, which looks and waits alike (the wait also ends when all of them are closed). Linked with highgui,
+/// a program loads highgui's Qt too: link it only where that is the program's own.
+///
+/// A program without a QApplication gets one, which stays. In an application without widgets, and outside the
+/// application's thread, nothing is shown, with the warning
+/// "OpenCVUtils::showImage needs a QApplication, and its thread.".
+/// \throws cv::Exception when the image has other than 1, 3 or 4 channels.
 KELCORE_EXPORT void showImage(cv::Mat const &image, QString const &title, bool wait = false);
 
 /// @}
