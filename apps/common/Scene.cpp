@@ -3,6 +3,7 @@
 #include "common/Program.h"
 
 #include <kelCore/data/kelDataContext.h>
+#include <kelCore/geometry/kelGroundPoint.h>
 
 #include <opencv2/core.hpp>
 
@@ -60,21 +61,15 @@ kelAbstractDataCalibration readCalibration(const QString &path)
 
 std::optional<cv::Point3d> groundPoint(const kelAbstractDataCalibration &camera, const cv::Point2d &pixel)
 {
-    try {
-        const cv::Point3d point = camera.imageToWorld(pixel, 0);
-        return isInFront(camera.getCalibration(), point) ? std::optional(point) : std::nullopt;
-    } catch (int) { // the ray is parallel to the ground
-        return std::nullopt;
-    }
+    return kelGeometry::groundPoint(camera.getIntrinsicMatrix(), camera.getExtrinsicMatrix(), pixel);
 }
 
 std::optional<cv::Point3d> footPoint(const kelAbstractDataCalibration &camera, const cv::Rect &box)
 {
-    return groundPoint(camera, {box.x + box.width / 2.0, double(box.y) + box.height});
+    return kelGeometry::footPoint(camera.getIntrinsicMatrix(), camera.getExtrinsicMatrix(), box);
 }
 
 bool isInFront(const cv::Mat &projection, const cv::Point3d &p)
 {
-    const double *row = projection.ptr<double>(2);
-    return row[0] * p.x + row[1] * p.y + row[2] * p.z + row[3] > 0;
+    return kelGeometry::isInFront(projection, p);
 }

@@ -3,12 +3,13 @@
 #include <kelCore/data/kelDataBlob.h>
 
 #include "support/Capture.h"
+#include "support/FlushCounter.h"
+#include "support/Matrices.h"
 #include "support/TemporaryFolder.h"
 
 #include <opencv2/core.hpp>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -37,44 +38,6 @@ cv::Mat worldToCameraOf(const cv::Mat &pose)
     pose.row(2).copyTo(exchanged.row(1));
     pose.row(1).copyTo(exchanged.row(2));
     return exchanged.inv(cv::DECOMP_LU);
-}
-
-bool sameMatrix(const cv::Mat &a, const cv::Mat &b)
-{
-    if (a.size() != b.size() || a.type() != b.type())
-        return false;
-    for (int r = 0; r < a.rows; ++r) {
-        if (std::memcmp(a.ptr(r), b.ptr(r), a.cols * a.elemSize()) != 0)
-            return false;
-    }
-    return true;
-}
-
-bool sameBits(double a, double b)
-{
-    return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-/// `matrix` as a part of a larger one, so that its rows do not follow one another in memory.
-cv::Mat asView(const cv::Mat &matrix)
-{
-    const cv::Mat larger(matrix.rows + 2, matrix.cols + 3, matrix.type(), cv::Scalar(1e6));
-    cv::Mat view = larger(cv::Rect(1, 1, matrix.cols, matrix.rows));
-    matrix.copyTo(view);
-    return view;
-}
-
-/// Any numbers, some of them zeros of either sign.
-cv::Mat randomMatrix(cv::RNG &random, int rows, int cols, double range)
-{
-    cv::Mat matrix(rows, cols, CV_64F);
-    for (int r = 0; r < rows; ++r) {
-        for (int c = 0; c < cols; ++c) {
-            const int choice = random.uniform(0, 8);
-            matrix.at<double>(r, c) = choice == 0 ? 0.0 : choice == 1 ? -0.0 : random.uniform(-range, range);
-        }
-    }
-    return matrix;
 }
 
 /// The projection as matrix products say it.
@@ -572,24 +535,6 @@ TEST(kelAbstractDataCalibrationTest, CopyFromAnotherKindWarnsOnceAndKeepsTheCali
     EXPECT_TRUE(messages.lines().isEmpty());
 }
 
-TEST(kelAbstractDataCalibrationTest, CopyFromAnotherKindTakesTheFrameworksPart)
-{
-    class Calibration : public kelAbstractDataCalibration
-    {
-    public:
-        nubAbstractDataPrivate &state() { return static_cast<nubAbstractDataPrivate &>(*nub_d); }
-    };
-    class Blob : public kelDataBlob
-    {
-    public:
-        Blob() { static_cast<nubAbstractDataPrivate &>(*nub_d).path = "path"; }
-    };
-    Calibration calibration;
-    const LogLevel level(18);
-    calibration.copy(Blob());
-    EXPECT_EQ(calibration.state().path, "path");
-}
-
 TEST(kelAbstractDataCalibrationTest, AssigningACalibrationToItselfLosesNothing)
 {
     kelAbstractDataCalibration calibration;
@@ -599,18 +544,6 @@ TEST(kelAbstractDataCalibrationTest, AssigningACalibrationToItselfLosesNothing)
     calibration = same;
     EXPECT_EQ(calibration.getReferentialName(), "room");
     EXPECT_EQ(calibration.worldToImage(cv::Point3d(2, 4, 1)), cv::Point2d(0.5, 0.5));
-}
-
-TEST(kelAbstractDataCalibrationTest, WriteIsTheDefault)
-{
-    kelAbstractDataCalibration calibration;
-    const LogLevel level(1);
-    MessageCapture messages;
-    EXPECT_FALSE(calibration.write(QString("file")));
-    EXPECT_EQ(messages.lines(),
-              QStringList{defaultNotice("virtual bool kelAbstractData::write(const QString&)",
-                                        "kelAbstractDataCalibration")});
-    EXPECT_FALSE(calibration.read(QStringList{"file"}));
 }
 
 TEST_F(kelAbstractDataCalibrationFileTest, ReadsEverySyntaxOfTheStorage)
@@ -814,4 +747,43 @@ TEST_F(kelAbstractDataCalibrationFileTest, ReadingWritesIntoNoMatrixOfTheCaller)
     EXPECT_TRUE(sameMatrix(intrinsic, cv::Mat::ones(3, 4, CV_64F)));
     EXPECT_TRUE(sameMatrix(extrinsic, cv::Mat::ones(4, 4, CV_64F)));
     EXPECT_TRUE(sameMatrix(distortion, cv::Mat::ones(1, 5, CV_64F)));
+}
+
+TEST_F(kelAbstractDataCalibrationFileTest, TheReportOfAMissingFileIsFlushedLineByLine)
+{
+    FlushCounter output;
+    kelAbstractDataCalibration().read(QString("missing.yml"));
+    EXPECT_EQ(output.flushed(), (std::vector<std::string>{"missing.yml\n", "Error Opening the file.\n"}));
+}
+
+TEST(kelAbstractDataCalibrationTest, TheDirectionIsNormalisedBeforeItIsStretched)
+{
+    const FixedProjections calibration;
+    double direction[] = {0.1, 0.7, -0.3};
+    calibration.compute_3d_height(cv::Point(5, 20), 10, direction);
+    const double norm = std::sqrt(0.1 * 0.1 + 0.7 * 0.7 + -0.3 * -0.3);
+    const cv::Point3d expected(1 + 180.0 * (0.1 / norm), 2 + 180.0 * (0.7 / norm),
+                               10 + 180.0 * (-0.3 / norm));
+    EXPECT_TRUE(sameBits(calibration.askedPoint, expected));
+    const cv::Point3d stretchedFirst(1 + 180.0 * 0.1 / norm, 2 + 180.0 * 0.7 / norm,
+                                     10 + 180.0 * -0.3 / norm);
+    EXPECT_FALSE(sameBits(stretchedFirst, expected)) << "these numbers do not tell the two apart";
+}
+
+TEST(kelAbstractDataCalibrationTest, ANullDirectionIsAZeroOne)
+{
+    kelAbstractDataCalibration calibration;
+    setSimple(calibration);
+    EXPECT_TRUE(std::isnan(calibration.compute_3d_height(cv::Point(1, 2), 1, nullptr)));
+    EXPECT_THROW(calibration.compute_3d_height(cv::Point(1, 0), 1, nullptr), int);
+    const FixedProjections fixed;
+    fixed.compute_3d_height(cv::Point(5, 20), 10, nullptr);
+    EXPECT_TRUE(std::isnan(fixed.askedPoint.x));
+}
+
+TEST(kelAbstractDataCalibrationTest, ASingularExtrinsicMatrixThatIsNotZeroHasItsPositionAtZero)
+{
+    kelAbstractDataCalibration calibration;
+    calibration.setExtrinsicMatrix(cv::Mat::ones(4, 4, CV_64F));
+    EXPECT_EQ(calibration.getPosition(), cv::Point3d(0, 0, 0));
 }

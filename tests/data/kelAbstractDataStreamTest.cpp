@@ -422,13 +422,19 @@ TEST(kelAbstractDataStreamTest, CopyFromAStreamOfAnotherIdentifierTakesTheFramew
     EXPECT_FALSE(stream.url().isValid());
 }
 
-TEST(kelAbstractDataStreamTest, ReadAndWriteStayTheFrameworks)
+TEST(kelAbstractDataStreamTest, CopyFromWhatIsNoDataTracesItselfAndWarns)
 {
     kelAbstractDataStream stream;
-    const LogLevel level(0);
+    fill(stream);
     MessageCapture messages;
-    EXPECT_FALSE(stream.read(QString("file")));
-    EXPECT_FALSE(stream.write(QString("file")));
+    {
+        const LogLevel level(0);
+        stream.copy(nubAbstractObject());
+    }
+    EXPECT_EQ(messages.take(), (QStringList{copyTrace, unlikeWarning}));
+    expectFilled(stream);
+    const LogLevel level(18);
+    stream.copy(nubAbstractObject());
     EXPECT_TRUE(messages.lines().isEmpty());
 }
 

@@ -4,6 +4,7 @@
 #include "support/Capture.h"
 
 #include <memory>
+#include <type_traits>
 
 TEST(kelDataBlobTest, AFreshBlobHasNoBox)
 {
@@ -75,28 +76,6 @@ TEST(kelDataBlobTest, CopyFromAnImageWarnsOnceAndKeepsTheBox)
     EXPECT_EQ(blob.getBoundingBox2D(), cv::Rect(1, 2, 3, 4));
 }
 
-TEST(kelDataBlobTest, TheSlicingWarningIsSilentAboveItsLevel)
-{
-    kelDataBlob blob;
-    const LogLevel level(18);
-    MessageCapture messages;
-    blob.copy(kelDataImage());
-    EXPECT_TRUE(messages.lines().isEmpty());
-}
-
-TEST(kelDataBlobTest, ReadAndWriteAreTheDefaults)
-{
-    kelDataBlob blob;
-    const LogLevel level(1);
-    MessageCapture messages;
-    EXPECT_FALSE(blob.read(QString("file")));
-    EXPECT_FALSE(blob.write(QString("file")));
-    EXPECT_EQ(
-        messages.lines(),
-        (QStringList{defaultNotice("virtual bool kelAbstractData::read(const QString&)", "kelDataBlob"),
-                     defaultNotice("virtual bool kelAbstractData::write(const QString&)", "kelDataBlob")}));
-}
-
 TEST(kelDataBlobTest, TheRecordedBoxIsReadFromAMapThatWasSet)
 {
     kelDataBlob blob;
@@ -116,15 +95,6 @@ TEST(kelDataBlobTest, TheGetterGivesTheStoredBoxItself)
     EXPECT_EQ(stored, cv::Rect(1, 2, 3, 4));
 }
 
-TEST(kelDataBlobTest, ACopyTakesTheParent)
-{
-    QObject parent;
-    kelDataBlob blob;
-    blob.setParent(&parent);
-    const kelDataBlob copy(blob);
-    EXPECT_EQ(copy.parent(), &parent);
-}
-
 TEST(kelDataBlobTest, AssigningABlobToItselfLosesNothing)
 {
     kelDataBlob blob;
@@ -134,4 +104,13 @@ TEST(kelDataBlobTest, AssigningABlobToItselfLosesNothing)
     EXPECT_EQ(&(blob = same), &blob);
     EXPECT_EQ(blob.getBoundingBox2D(), cv::Rect(1, 2, 3, 4));
     EXPECT_EQ(blob.getBoundingBox2D_qt(), QRect(5, 6, 7, 8));
+}
+
+TEST(kelDataBlobTest, TheAccessorsHaveTheirTypes)
+{
+    using B = kelDataBlob;
+    EXPECT_TRUE((std::is_same_v<decltype(&B::setBoundingBox2D), void (B::*)(const cv::Rect &)>));
+    EXPECT_TRUE((std::is_same_v<decltype(&B::getBoundingBox2D), const cv::Rect &(B::*)() const>));
+    EXPECT_TRUE((std::is_same_v<decltype(&B::setBoundingBox2D_qt), void (B::*)(const QRect &)>));
+    EXPECT_TRUE((std::is_same_v<decltype(&B::getBoundingBox2D_qt), QRect (B::*)() const>));
 }

@@ -3,6 +3,7 @@
 #include <kelCore/data/kelDataContext_p.h>
 
 #include "support/Capture.h"
+#include "support/FlushCounter.h"
 #include "support/TemporaryFolder.h"
 
 #include <opencv2/core.hpp>
@@ -85,20 +86,6 @@ TEST(kelDataContextTest, AFreshContextIsEmpty)
     EXPECT_EQ(sizeof(kelDataContext), sizeof(nubAbstractObject));
     static_assert(std::is_same<decltype(context.getContext()), std::list<ContextElement>>::value, "");
     static_assert(std::is_same<decltype(context.getReferentialName()), std::string>::value, "");
-}
-
-TEST(kelDataContextTest, WriteAndSpecificPropertiesAreTheBases)
-{
-    kelDataContext context;
-    const LogLevel level(1);
-    MessageCapture messages;
-    EXPECT_FALSE(context.write("file"));
-    EXPECT_TRUE(context.setSpecificProperties(QVariantMap{{"k", 1}}));
-    EXPECT_EQ(
-        messages.lines(),
-        (QStringList{defaultNotice("virtual bool kelAbstractData::write(const QString&)", "kelDataContext"),
-                     defaultNotice("virtual bool kelAbstractData::setSpecificProperties(const QVariantMap&)",
-                                   "kelDataContext")}));
 }
 
 TEST_F(kelDataContextFileTest, AMissingFileIsReportedWithoutItsNameAndChangesNothing)
@@ -480,4 +467,11 @@ TEST_F(kelDataContextFileTest, CopyFromAnotherKindWarnsOnceAndKeepsEverything)
     context.copy(kelDataBlob());
     EXPECT_TRUE(messages.lines().isEmpty());
     EXPECT_EQ(names(context), QStringList{"one"});
+}
+
+TEST_F(kelDataContextFileTest, TheReportOfAMissingFileIsFlushed)
+{
+    FlushCounter output;
+    kelDataContext().read(QString("missing.yml"));
+    EXPECT_EQ(output.flushed(), std::vector<std::string>{"Error Opening the file.\n"});
 }

@@ -68,12 +68,6 @@ TEST(kelDataEventTest, AFreshEventIsEmpty)
     EXPECT_EQ(event.parent(), nullptr);
 }
 
-TEST(kelDataEventTest, TheObjectIsOnePointerToItsState)
-{
-    EXPECT_EQ(sizeof(kelDataEvent), sizeof(nubAbstractObject));
-    EXPECT_TRUE((std::is_base_of_v<kelAbstractData, kelDataEvent>));
-}
-
 TEST(kelDataEventTest, TheAccessorsHaveTheirTypes)
 {
     using E = kelDataEvent;
@@ -216,30 +210,4 @@ TEST(kelDataEventTest, AssigningABlobWarnsTwiceAndChangesNothing)
     static_cast<kelAbstractData &>(event) = blob;
     EXPECT_EQ(messages.lines(), (QStringList{slicingWarning(), slicingWarning()}));
     expectFilled(event);
-}
-
-TEST(kelDataEventTest, TheSlicingWarningsAreSilentAboveTheirLevel)
-{
-    kelDataEvent event;
-    const LogLevel level(18);
-    MessageCapture messages;
-    event.copy(kelDataBlob());
-    EXPECT_TRUE(messages.lines().isEmpty());
-}
-
-TEST(kelDataEventTest, ReadWriteAndSetSpecificPropertiesAreTheDefaults)
-{
-    kelDataEvent event;
-    const LogLevel level(1);
-    MessageCapture messages;
-    EXPECT_FALSE(event.read(QString("file")));
-    EXPECT_FALSE(event.write(QString("file")));
-    EXPECT_TRUE(event.setSpecificProperties({{"k", 1}}));
-    EXPECT_EQ(
-        messages.lines(),
-        (QStringList{defaultNotice("virtual bool kelAbstractData::read(const QString&)", "kelDataEvent"),
-                     defaultNotice("virtual bool kelAbstractData::write(const QString&)", "kelDataEvent"),
-                     defaultNotice("virtual bool kelAbstractData::setSpecificProperties(const QVariantMap&)",
-                                   "kelDataEvent")}));
-    EXPECT_EQ(event.getSpecificProperties(), (QVariantMap{{"k", 1}}));
 }

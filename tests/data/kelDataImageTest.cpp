@@ -64,34 +64,6 @@ TEST(kelDataImageTest, CopiesShareThePixels)
     }
 }
 
-TEST(kelDataImageTest, ACloneCarriesTheSpecificPropertiesAndNotTheMap)
-{
-    QObject parent;
-    kelDataImage image;
-    image.setParent(&parent);
-    image.addSpecificProperty("k", 7);
-    QVariantMap map{{"m", 1}};
-    image.setMap(map);
-    const std::unique_ptr<kelDataImage> copy(image.clone());
-    EXPECT_EQ(copy->getSpecificProperties(), (QVariantMap{{"k", 7}}));
-    EXPECT_TRUE(copy->getMap().isEmpty());
-    EXPECT_EQ(copy->parent(), &parent);
-}
-
-TEST(kelDataImageTest, AssignmentIsSilentAndCarriesNeitherMap)
-{
-    kelDataImage from;
-    from.addSpecificProperty("k", 7);
-    QVariantMap map{{"m", 1}};
-    from.setMap(map);
-    kelDataImage to;
-    MessageCapture messages;
-    to = from;
-    EXPECT_TRUE(messages.lines().isEmpty());
-    EXPECT_TRUE(to.getSpecificProperties().isEmpty());
-    EXPECT_TRUE(to.getMap().isEmpty());
-}
-
 TEST(kelDataImageTest, CopyFromABlobWarnsTwiceAndKeepsTheImage)
 {
     kelDataImage image;
@@ -128,11 +100,4 @@ TEST(kelDataImageTest, ReadAndWriteDoNothingAndSucceed)
     EXPECT_TRUE(image.write(QString("/no such folder/file")));
     EXPECT_TRUE(messages.lines().isEmpty());
     EXPECT_TRUE(image.getImage().empty());
-}
-
-TEST(kelDataImageTest, ReadingAndWritingListsStayTheFrameworks)
-{
-    kelDataImage image;
-    EXPECT_FALSE(image.read(QStringList{"file"}));
-    EXPECT_FALSE(image.write(QStringList{"file"}));
 }

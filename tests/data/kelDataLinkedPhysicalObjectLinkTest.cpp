@@ -1,5 +1,8 @@
-#include <kelCore/data/kelDataLinkedPhysicalObject.h>
 #include <kelCore/data/kelDataLinkedPhysicalObjectLink.h>
+
+// Nothing more is needed to use what the getters give.
+static_assert(sizeof(*kelDataLinkedPhysicalObjectLink().getFather()) > 0);
+
 #include <kelCore/data/kelDataLinkedPhysicalObjectLink_p.h>
 
 #include "support/Capture.h"
@@ -180,14 +183,6 @@ TEST(kelDataLinkedPhysicalObjectLinkTest, CloneSharesTheEndsAndTakesTheReliabili
     EXPECT_TRUE(son->getFatherLinks().empty());
 }
 
-TEST(kelDataLinkedPhysicalObjectLinkTest, ACopyHasItsSourcesParent)
-{
-    QObject parent;
-    auto *link = new kelDataLinkedPhysicalObjectLink;
-    link->setParent(&parent);
-    EXPECT_EQ((new kelDataLinkedPhysicalObjectLink(*link))->parent(), &parent);
-}
-
 TEST(kelDataLinkedPhysicalObjectLinkTest, TheCopyConstructorAssignsAndSoCutsDownALinkOfAnotherKind)
 {
     NamedLink link;
@@ -294,23 +289,4 @@ TEST(kelDataLinkedPhysicalObjectLinkTest, AnotherClassUnderTheSameNameIsNotCopie
     EXPECT_EQ(messages.lines(), QStringList{slicingWarning()});
     EXPECT_FALSE(link.getFather().isNull());
     EXPECT_EQ(link.getReliability(), 0.25);
-}
-
-TEST(kelDataLinkedPhysicalObjectLinkTest, TheSlicingWarningIsSilentAboveItsLevel)
-{
-    kelDataLinkedPhysicalObjectLink link;
-    const LogLevel level(18);
-    MessageCapture messages;
-    link.copy(kelDataLinkedPhysicalObject());
-    EXPECT_TRUE(messages.lines().isEmpty());
-}
-
-TEST(kelDataLinkedPhysicalObjectLinkTest, ReadAndWriteAreTheFrameworksAndSayNothing)
-{
-    kelDataLinkedPhysicalObjectLink link;
-    const LogLevel level(0);
-    MessageCapture messages;
-    EXPECT_FALSE(link.read(QString("file")));
-    EXPECT_FALSE(link.write(QString("file")));
-    EXPECT_TRUE(messages.lines().isEmpty());
 }

@@ -4,7 +4,10 @@
 #include "support/Capture.h"
 
 #include <cstring>
+#include <iostream>
 #include <memory>
+#include <sstream>
+#include <type_traits>
 
 namespace {
 
@@ -303,16 +306,56 @@ TEST(kelDataPhysicalObjectTest, CopyWritesItsTraceEvenWhenTheLoggerIsSilenced)
     EXPECT_TRUE(messages.lines().isEmpty());
 }
 
-TEST(kelDataPhysicalObjectTest, ReadAndWriteAreTheDefaults)
+TEST(kelDataPhysicalObjectTest, TheTraceIsWrittenBeforeTheWarnings)
 {
+    static std::ostringstream written;
+    static QStringList writtenBefore;
+    written.str("");
+    writtenBefore.clear();
     kelDataPhysicalObject object;
-    const LogLevel level(1);
-    MessageCapture messages;
-    EXPECT_FALSE(object.read(QString("file")));
-    EXPECT_FALSE(object.write(QString("file")));
-    EXPECT_EQ(
-        messages.lines(),
-        (QStringList{
-            defaultNotice("virtual bool kelAbstractData::read(const QString&)", "kelDataPhysicalObject"),
-            defaultNotice("virtual bool kelAbstractData::write(const QString&)", "kelDataPhysicalObject")}));
+    std::streambuf *output = std::cout.rdbuf(written.rdbuf());
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {
+            writtenBefore.append(QString::fromStdString(written.str()));
+        });
+    object.copy(kelDataBlob());
+    qInstallMessageHandler(previous);
+    std::cout.rdbuf(output);
+    EXPECT_EQ(writtenBefore, (QStringList{copyTrace, copyTrace}));
+}
+
+TEST(kelDataPhysicalObjectTest, TheAccessorsHaveTheirTypes)
+{
+    using O = kelDataPhysicalObject;
+    const auto is = [](auto operation, auto expected) {
+        return std::is_same_v<decltype(operation), decltype(expected)>;
+    };
+    using Point = cv::Point3f (O::*)() const;
+    using SetPoint = void (O::*)(const cv::Point3f &);
+    EXPECT_TRUE(is(&O::getId, static_cast<int (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setId, static_cast<void (O::*)(int)>(nullptr)));
+    EXPECT_TRUE(is(&O::getPosition, Point()));
+    EXPECT_TRUE(is(&O::getCentroidPosition, Point()));
+    EXPECT_TRUE(is(&O::getHighestPosition, Point()));
+    EXPECT_TRUE(is(&O::getLowestPosition, Point()));
+    EXPECT_TRUE(is(&O::setPosition, SetPoint()));
+    EXPECT_TRUE(is(&O::setCentroidPosition, SetPoint()));
+    EXPECT_TRUE(is(&O::setHighestPosition, SetPoint()));
+    EXPECT_TRUE(is(&O::setLowestPosition, SetPoint()));
+    EXPECT_TRUE(is(&O::getBoundingBox2D, static_cast<const cv::Rect &(O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setBoundingBox2D, static_cast<void (O::*)(const cv::Rect &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getBoundingBox3D, static_cast<BoundingBox3D (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setBoundingBox3D, static_cast<void (O::*)(const BoundingBox3D &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getInformation3D, static_cast<Information3D (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setInformation3D, static_cast<void (O::*)(const Information3D &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getType, static_cast<std::string (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setType, static_cast<void (O::*)(const std::string &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getSkeleton, static_cast<SkeletonStructure (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::setSkeleton, static_cast<void (O::*)(const SkeletonStructure &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getHead2dPosition, static_cast<cv::Point (O::*)() const>(nullptr)));
+    EXPECT_TRUE(is(&O::getHead3dPosition, Point()));
+    EXPECT_TRUE(is(&O::setPixels, static_cast<void (O::*)(std::list<cv::Point> &)>(nullptr)));
+    EXPECT_TRUE(is(&O::setVoxels, static_cast<void (O::*)(std::list<cv::Point3f> &)>(nullptr)));
+    EXPECT_TRUE(is(&O::getPixels, static_cast<void (O::*)(std::list<cv::Point> &) const>(nullptr)));
+    EXPECT_TRUE(is(&O::getVoxels, static_cast<void (O::*)(std::list<cv::Point3f> &) const>(nullptr)));
 }

@@ -5,13 +5,13 @@
 #include <kelCore/data/kelDataContext.h>
 
 #include "support/Capture.h"
+#include "support/SceneData.h"
 #include "support/TemporaryFolder.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/persistence.hpp>
 
 #include <QDomDocument>
-#include <QFileInfo>
 #include <QImage>
 
 #include <algorithm>
@@ -22,18 +22,11 @@ namespace {
 
 QString projectFile(const QString &name) { return QStringLiteral(KEL_SOURCE_DIR "/") + name; }
 
-/// Recorded data lies beside the project, where there is any.
-QString recordedFile(const QString &name) { return projectFile("../shared/data/" + name); }
-
-#define SKIP_WITHOUT(file)                                                                                   \
-    if (!QFileInfo::exists(file))                                                                            \
-    GTEST_SKIP() << "there is no recorded scene " << file.toStdString()
-
 /// Walking people, seen by a fixed camera.
 struct Walkway
 {
-    static QString camera() { return recordedFile("pets2009/vtest_pinhole.yml"); }
-    static QString people() { return recordedFile("pets2009/PETS2009-S2L1_frames0-399.xml"); }
+    static QString camera() { return walkwayScene.file("vtest_pinhole.yml"); }
+    static QString people() { return walkwayScene.file("PETS2009-S2L1_frames0-399.xml"); }
 
     cv::Mat intrinsic, distortion, worldToCamera, projection;
 
@@ -110,9 +103,8 @@ using realSceneTest = TemporaryFolder;
 
 TEST_F(realSceneTest, TheFloorOfARoomWithFivePeopleIsFoundFromPolygonsOnIt)
 {
-    const QString picture = recordedFile("five_people/five_people_depth_mm.png");
-    SKIP_WITHOUT(picture);
-    const QImage image(picture);
+    SKIP_WITHOUT(fivePeopleScene);
+    const QImage image(fivePeopleScene.file("five_people_depth_mm.png"));
     ASSERT_EQ(image.format(), QImage::Format_Grayscale16);
 
     // The depth, through a file of the sensor's.
@@ -188,7 +180,7 @@ TEST_F(realSceneTest, TheFloorOfARoomWithFivePeopleIsFoundFromPolygonsOnIt)
 
 TEST_F(realSceneTest, AMeasuredCameraConvertsIntoACalibrationFile)
 {
-    SKIP_WITHOUT(Walkway::camera());
+    SKIP_WITHOUT(walkwayScene);
     const Walkway walkway;
     walkway.save("camera.yml");
     kelAbstractDataCalibration camera;
@@ -209,8 +201,7 @@ TEST_F(realSceneTest, AMeasuredCameraConvertsIntoACalibrationFile)
 
 TEST_F(realSceneTest, FeetOfWalkingPeopleGoToTheGroundAndBack)
 {
-    SKIP_WITHOUT(Walkway::camera());
-    SKIP_WITHOUT(Walkway::people());
+    SKIP_WITHOUT(walkwayScene);
     Walkway().save("camera.yml");
     kelAbstractDataCalibration camera;
     ASSERT_TRUE(camera.read("camera.yml"));
@@ -242,7 +233,7 @@ TEST_F(realSceneTest, TheExampleCameraIsTheMeasuredOne)
     EXPECT_EQ(camera.getIntrinsicMatrix().size(), cv::Size(4, 3));
     EXPECT_EQ(camera.getExtrinsicMatrix().size(), cv::Size(4, 4));
     EXPECT_GT(camera.getPosition().z, 0);
-    SKIP_WITHOUT(Walkway::camera());
+    SKIP_WITHOUT(walkwayScene);
     EXPECT_LT(relativeDifference(camera.getCalibration(), Walkway().projection), 1e-9);
     EXPECT_LT(relativeDifference(camera.getDistortionMatrix(), Walkway().distortion), 1e-9);
 }
@@ -269,7 +260,7 @@ TEST_F(realSceneTest, TheExampleContextLiesInTheExampleCamerasFrame)
 
 TEST_F(realSceneTest, PeopleWalkThroughTheZonesOfTheExampleContext)
 {
-    SKIP_WITHOUT(Walkway::people());
+    SKIP_WITHOUT(walkwayScene);
     kelAbstractDataCalibration camera;
     kelDataContext scene;
     ASSERT_TRUE(camera.read(projectFile("examples/data/vtest_camera.yml")));

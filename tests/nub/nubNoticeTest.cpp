@@ -91,3 +91,26 @@ TEST(nubNoticeTest, AForeignClassThatReusesAnIdentifierIsNotOfTheSameKind)
     const Impostor impostor;
     EXPECT_EQ(nub::sameKind<kelDataBlob>(blob, impostor), nullptr);
 }
+
+TEST(nubNoticeTest, AClassWhoseBaseHasWarnedWarnsOfForeignClassesAlone)
+{
+    const kelDataBlob blob;
+    const kelDataBlob other;
+    MessageCapture messages;
+    EXPECT_EQ(nub::sameKindOrWarnOfForeign<kelDataBlob>(blob, other), &other);
+    EXPECT_EQ(nub::sameKindOrWarnOfForeign<kelDataBlob>(blob, kelDataImage()), nullptr);
+    EXPECT_TRUE(messages.lines().isEmpty());
+    EXPECT_EQ(nub::sameKindOrWarnOfForeign<kelDataBlob>(blob, Impostor()), nullptr);
+    EXPECT_EQ(messages.lines(), QStringList{slicingWarning()});
+}
+
+TEST(nubNoticeTest, DifferentIdentifiersAreWarnedOf)
+{
+    const kelDataBlob blob;
+    MessageCapture messages;
+    EXPECT_TRUE(nub::sameIdentifierOrWarn(blob, kelDataBlob()));
+    EXPECT_TRUE(nub::sameIdentifierOrWarn(blob, Impostor()));
+    EXPECT_TRUE(messages.lines().isEmpty());
+    EXPECT_FALSE(nub::sameIdentifierOrWarn(blob, kelDataImage()));
+    EXPECT_EQ(messages.lines(), QStringList{slicingWarning()});
+}

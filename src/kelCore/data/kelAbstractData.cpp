@@ -23,8 +23,7 @@ kelAbstractData &kelAbstractData::operator=(const kelAbstractData &other)
 void kelAbstractData::copy(const nubAbstractObject &other)
 {
     nubAbstractData::copy(other);
-    if (other.identifier() != identifier())
-        nub::warnSlicing();
+    nub::sameIdentifierOrWarn(*this, other);
 }
 
 QString kelAbstractData::identifier() const { return QStringLiteral("kelAbstractData"); }

@@ -24,7 +24,7 @@ class kelAbstractDataCalibrationPrivate;
 ///
 /// **Matrices** hold doubles. Setters, getters and copies share their buffers: a later change of the caller's
 /// elements is seen here. Nothing is cached; each projection forms P anew, on the stack and without
-/// allocating.
+/// allocating (kelGeometry in kelProjection.h, which also takes matrices that no calibration holds).
 ///
 /// **Bad matrices.** A K that is not 3 x 4 or 4 x 4 doubles, or an E that is not 4 x 4 doubles, makes the
 /// projections throw `cv::Exception`, as the matrix product would.
@@ -83,7 +83,7 @@ public:
     /// The pixel is back-projected to W on the plane Z = `height`; Q = W + 180 n, with n the unit vector of
     /// `direction` (three doubles, X, Y, Z), is projected to q. The result is 180 `height` / |pixel.y - q.y|:
     /// infinite when the segment has no vertical extent in the image. `height` is used twice, deliberately. A
-    /// zero direction gives not-a-number.
+    /// zero direction gives not-a-number, and so does a null pointer.
     virtual double compute_3d_height(cv::Point2i pixel, double height, double *direction) const;
 
     /// The point (X, Y, `height`) whose projection is `pixel`.

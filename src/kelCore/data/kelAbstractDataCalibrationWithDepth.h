@@ -29,7 +29,7 @@ class kelDataContext;
 /// world's. `compute_3d_height` uses the world's pair.
 ///
 /// **Planes** are four coefficients (a, b, c, d) of a x + b y + c z + d = 0. The operations on planes and
-/// vectors use no state of the object.
+/// vectors use no state of the object; kelPlane.h has them for planes without a vector.
 ///
 ///     kelAbstractDataCalibrationWithDepth camera;
 ///     camera.read("camera.yml");
@@ -88,6 +88,9 @@ public:
     /// even when there is no such file, which leaves the map as it is.
     ///
     /// Costs little more than reading the file at once; a map of the right size that nobody shares is reused.
+    /// Elements that the header claims and the file does not hold cost next to no memory until they are
+    /// written to. `kelGeometry::readDepthFile` does the same for a map of the caller's, and says what came
+    /// of it.
     /// \throws cv::Exception when H is negative, when the file is too short to hold H and W, and when memory
     /// does not suffice. The map is unchanged then, and the line is not written.
     void setDepthInformation(const QString &fileName);

@@ -4,6 +4,11 @@
 #include <nubCore/nubNotice.h>
 #include <nubLog/nubLog.h>
 
+namespace {
+const char copyTrace[] = "virtual void kelAbstractDataStream::copy(const nubAbstractData&)";
+const char unlikeWarning[] = "Copy can't be done at the kelAbstractDataStream level.";
+} // namespace
+
 kelAbstractDataStream::kelAbstractDataStream() : kelAbstractDataStream(*new kelAbstractDataStreamPrivate) { }
 
 kelAbstractDataStream::kelAbstractDataStream(const kelAbstractDataStream &other)
@@ -32,24 +37,27 @@ kelAbstractDataStream *kelAbstractDataStream::clone()
 
 void kelAbstractDataStream::copy(const nubAbstractObject &other)
 {
-    if (const auto *data = dynamic_cast<const nubAbstractData *>(&other))
+    if (const auto *data = dynamic_cast<const nubAbstractData *>(&other)) {
         copy(*data);
-    else
-        nubAbstractData::copy(other);
+        return;
+    }
+    nub::log(nub::Trace, copyTrace);
+    nubAbstractData::copy(other);
+    nub::log(nub::Warning, unlikeWarning);
 }
 
 QString kelAbstractDataStream::identifier() const { return QStringLiteral("kelAbstractDataStream"); }
 
 void kelAbstractDataStream::copy(const nubAbstractData &other)
 {
-    nub::log(nub::Trace, "virtual void kelAbstractDataStream::copy(const nubAbstractData&)");
+    nub::log(nub::Trace, copyTrace);
     if (&other == this)
         return;
     nubAbstractData::copy(other);
 
     const auto *stream = nub::sameKind<kelAbstractDataStream>(*this, other);
     if (!stream) {
-        nub::log(nub::Warning, "Copy can't be done at the kelAbstractDataStream level.");
+        nub::log(nub::Warning, unlikeWarning);
         return;
     }
     Q_D(kelAbstractDataStream);

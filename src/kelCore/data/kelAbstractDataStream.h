@@ -35,7 +35,7 @@ public:
 
     /// Traces itself at level 0; the caller owns the result.
     kelAbstractDataStream *clone() override;
-    /// Forwards data to the overload below.
+    /// Forwards data to the overload below. From what is no data, the same with what they share.
     void copy(const nubAbstractObject &other) override;
     QString identifier() const override;
 

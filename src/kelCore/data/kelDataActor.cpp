@@ -1,16 +1,17 @@
 #include <kelCore/data/kelDataActor.h>
 #include <kelCore/data/kelDataActor_p.h>
-#include <kelCore/data/kelDataLinkedPhysicalObject.h>
 
 #include <nubCore/nubNotice.h>
 
 #include <utility>
 
-kelDataActor::kelDataActor() : kelAbstractData(*new kelDataActorPrivate) { }
+kelDataActor::kelDataActor() : kelDataActor(*new kelDataActorPrivate) { }
 
 kelDataActor::kelDataActor(const kelDataActor &other)
-    : kelAbstractData(*new kelDataActorPrivate(*other.d_func()), other.parent())
+    : kelDataActor(*new kelDataActorPrivate(*other.d_func()), other.parent())
 { }
+
+kelDataActor::kelDataActor(kelDataActorPrivate &dd, QObject *parent) : kelAbstractData(dd, parent) { }
 
 kelDataActor::~kelDataActor() { releaseTPO(); }
 

@@ -9,6 +9,7 @@
 #include <kelCore/data/Information3D.h>
 #include <kelCore/data/SkeletonStructure.h>
 #include <kelCore/data/kelAbstractData.h>
+#include <kelCore/data/kelDataLinkedPhysicalObject.h>
 
 #include <QSharedPointer>
 
@@ -20,7 +21,6 @@
 #include <vector>
 
 class kelDataActorPrivate;
-class kelDataLinkedPhysicalObject;
 
 /// What a physical object holds for the current frame, and the actor's identity over time: trajectory, speed,
 /// reliability, camera, the tracks it was built from and the linked physical objects that make it up. Scene
@@ -132,6 +132,9 @@ public:
     /// Empties the list of linked physical objects, the pixels, the voxels and the trajectory, in this order.
     /// Everything else stays, the actor's own linked physical object (`getLPO`) included.
     void releaseTPO();
+
+protected:
+    explicit kelDataActor(kelDataActorPrivate &dd, QObject *parent = nullptr);
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataActor)

@@ -11,11 +11,13 @@ const QString &recordedBoxKey()
 }
 } // namespace
 
-kelDataBlob::kelDataBlob() : kelAbstractData(*new kelDataBlobPrivate) { }
+kelDataBlob::kelDataBlob() : kelDataBlob(*new kelDataBlobPrivate) { }
 
 kelDataBlob::kelDataBlob(const kelDataBlob &other)
-    : kelAbstractData(*new kelDataBlobPrivate(*other.d_func()), other.parent())
+    : kelDataBlob(*new kelDataBlobPrivate(*other.d_func()), other.parent())
 { }
+
+kelDataBlob::kelDataBlob(kelDataBlobPrivate &dd, QObject *parent) : kelAbstractData(dd, parent) { }
 
 kelDataBlob::~kelDataBlob() = default;
 
@@ -30,7 +32,7 @@ kelDataBlob *kelDataBlob::clone() { return new kelDataBlob(*this); }
 void kelDataBlob::copy(const nubAbstractObject &other)
 {
     kelAbstractData::copy(other);
-    if (const auto *blob = nub::sameKind<kelDataBlob>(*this, other))
+    if (const auto *blob = nub::sameKindOrWarnOfForeign<kelDataBlob>(*this, other))
         setBoundingBox2D(blob->getBoundingBox2D());
 }
 

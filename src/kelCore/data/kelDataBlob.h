@@ -41,6 +41,9 @@ public:
     /// The recorded box; a null rectangle until set.
     QRect getBoundingBox2D_qt() const;
 
+protected:
+    explicit kelDataBlob(kelDataBlobPrivate &dd, QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataBlob)
 };

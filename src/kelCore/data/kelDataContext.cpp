@@ -96,11 +96,13 @@ ContextElement readElement(const cv::FileNode &node)
 
 } // namespace
 
-kelDataContext::kelDataContext() : kelAbstractData(*new kelDataContextPrivate) { }
+kelDataContext::kelDataContext() : kelDataContext(*new kelDataContextPrivate) { }
 
 kelDataContext::kelDataContext(const kelDataContext &other)
-    : kelAbstractData(*new kelDataContextPrivate(*other.d_func()), other.parent())
+    : kelDataContext(*new kelDataContextPrivate(*other.d_func()), other.parent())
 { }
+
+kelDataContext::kelDataContext(kelDataContextPrivate &dd, QObject *parent) : kelAbstractData(dd, parent) { }
 
 kelDataContext::~kelDataContext() = default;
 
@@ -115,7 +117,7 @@ kelDataContext *kelDataContext::clone() { return new kelDataContext(*this); }
 void kelDataContext::copy(const nubAbstractObject &other)
 {
     kelAbstractData::copy(other);
-    const auto *context = nub::sameKind<kelDataContext>(*this, other);
+    const auto *context = nub::sameKindOrWarnOfForeign<kelDataContext>(*this, other);
     if (!context)
         return;
     Q_D(kelDataContext);

@@ -65,6 +65,9 @@ public:
     /// The world referential; "Default", whatever the file says.
     std::string getReferentialName() const;
 
+protected:
+    explicit kelDataContext(kelDataContextPrivate &dd, QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataContext)
 };

@@ -5,11 +5,13 @@
 
 #include <utility>
 
-kelDataEvent::kelDataEvent() : kelAbstractData(*new kelDataEventPrivate) { }
+kelDataEvent::kelDataEvent() : kelDataEvent(*new kelDataEventPrivate) { }
 
 kelDataEvent::kelDataEvent(const kelDataEvent &other)
-    : kelAbstractData(*new kelDataEventPrivate(*other.d_func()), other.parent())
+    : kelDataEvent(*new kelDataEventPrivate(*other.d_func()), other.parent())
 { }
+
+kelDataEvent::kelDataEvent(kelDataEventPrivate &dd, QObject *parent) : kelAbstractData(dd, parent) { }
 
 kelDataEvent::~kelDataEvent() = default;
 

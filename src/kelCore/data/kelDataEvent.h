@@ -59,6 +59,9 @@ public:
     int getInvolvedActorId() const;
     void setInvolvedActorId(int id);
 
+protected:
+    explicit kelDataEvent(kelDataEventPrivate &dd, QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataEvent)
 };

@@ -3,11 +3,13 @@
 
 #include <nubCore/nubNotice.h>
 
-kelDataImage::kelDataImage() : kelAbstractData(*new kelDataImagePrivate) { }
+kelDataImage::kelDataImage() : kelDataImage(*new kelDataImagePrivate) { }
 
 kelDataImage::kelDataImage(const kelDataImage &other)
-    : kelAbstractData(*new kelDataImagePrivate(*other.d_func()), other.parent())
+    : kelDataImage(*new kelDataImagePrivate(*other.d_func()), other.parent())
 { }
+
+kelDataImage::kelDataImage(kelDataImagePrivate &dd, QObject *parent) : kelAbstractData(dd, parent) { }
 
 kelDataImage::~kelDataImage() = default;
 

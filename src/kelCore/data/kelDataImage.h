@@ -41,6 +41,9 @@ public:
     /// Does nothing and returns true, unlike the base.
     bool write(const QString &file) override;
 
+protected:
+    explicit kelDataImage(kelDataImagePrivate &dd, QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataImage)
 };

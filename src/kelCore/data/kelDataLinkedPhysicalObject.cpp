@@ -1,5 +1,4 @@
 #include <kelCore/data/kelDataLinkedPhysicalObject.h>
-#include <kelCore/data/kelDataLinkedPhysicalObjectLink.h>
 #include <kelCore/data/kelDataLinkedPhysicalObject_p.h>
 
 #include <nubCore/nubNotice.h>
@@ -55,11 +54,16 @@ void removeFirst(std::list<Link> &links, const Link &link)
 } // namespace
 
 kelDataLinkedPhysicalObject::kelDataLinkedPhysicalObject()
-    : kelAbstractData(*new kelDataLinkedPhysicalObjectPrivate)
+    : kelDataLinkedPhysicalObject(*new kelDataLinkedPhysicalObjectPrivate)
 { }
 
 kelDataLinkedPhysicalObject::kelDataLinkedPhysicalObject(const kelDataLinkedPhysicalObject &other)
-    : kelAbstractData(*new kelDataLinkedPhysicalObjectPrivate(*other.d_func()), other.parent())
+    : kelDataLinkedPhysicalObject(*new kelDataLinkedPhysicalObjectPrivate(*other.d_func()), other.parent())
+{ }
+
+kelDataLinkedPhysicalObject::kelDataLinkedPhysicalObject(kelDataLinkedPhysicalObjectPrivate &dd,
+                                                         QObject *parent)
+    : kelAbstractData(dd, parent)
 { }
 
 kelDataLinkedPhysicalObject::~kelDataLinkedPhysicalObject() { releaseLPO(); }
@@ -78,7 +82,7 @@ kelDataLinkedPhysicalObject *kelDataLinkedPhysicalObject::clone()
 void kelDataLinkedPhysicalObject::copy(const nubAbstractObject &other)
 {
     kelAbstractData::copy(other);
-    const auto *object = nub::sameKind<kelDataLinkedPhysicalObject>(*this, other);
+    const auto *object = nub::sameKindOrWarnOfForeign<kelDataLinkedPhysicalObject>(*this, other);
     if (!object)
         return;
 

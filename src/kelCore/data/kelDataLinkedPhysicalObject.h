@@ -5,12 +5,12 @@
 /// One node of the graph of parts that trackers build over time.
 
 #include <kelCore/data/kelAbstractData.h>
+#include <kelCore/data/kelDataLinkedPhysicalObjectLink.h>
 
 #include <QSharedPointer>
 
 #include <list>
 
-class kelDataLinkedPhysicalObjectLink;
 class kelDataLinkedPhysicalObjectPrivate;
 
 /// A part of an actor that knows its fathers and its sons. Each edge is a link object with both ends and a
@@ -90,6 +90,8 @@ public:
     void releaseLPO();
 
 protected:
+    explicit kelDataLinkedPhysicalObject(kelDataLinkedPhysicalObjectPrivate &dd, QObject *parent = nullptr);
+
     std::list<QSharedPointer<kelDataLinkedPhysicalObject>> fathers;
     std::list<QSharedPointer<kelDataLinkedPhysicalObject>> sons; ///< Filled by derived classes alone.
     std::list<QSharedPointer<kelDataLinkedPhysicalObjectLink>> fatherLinks; ///< This object is the son.

@@ -1,4 +1,3 @@
-#include <kelCore/data/kelDataLinkedPhysicalObject.h>
 #include <kelCore/data/kelDataLinkedPhysicalObjectLink.h>
 #include <kelCore/data/kelDataLinkedPhysicalObjectLink_p.h>
 
@@ -7,7 +6,7 @@
 #include <utility>
 
 kelDataLinkedPhysicalObjectLink::kelDataLinkedPhysicalObjectLink()
-    : nubAbstractData(*new kelDataLinkedPhysicalObjectLinkPrivate)
+    : kelDataLinkedPhysicalObjectLink(*new kelDataLinkedPhysicalObjectLinkPrivate)
 { }
 
 kelDataLinkedPhysicalObjectLink::kelDataLinkedPhysicalObjectLink(
@@ -22,6 +21,11 @@ kelDataLinkedPhysicalObjectLink::kelDataLinkedPhysicalObjectLink(const kelDataLi
 {
     *this = other;
 }
+
+kelDataLinkedPhysicalObjectLink::kelDataLinkedPhysicalObjectLink(kelDataLinkedPhysicalObjectLinkPrivate &dd,
+                                                                 QObject *parent)
+    : nubAbstractData(dd, parent)
+{ }
 
 kelDataLinkedPhysicalObjectLink::~kelDataLinkedPhysicalObjectLink()
 {

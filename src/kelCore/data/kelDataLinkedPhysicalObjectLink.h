@@ -52,6 +52,10 @@ public:
     double getReliability() const;
     void setReliability(double value);
 
+protected:
+    explicit kelDataLinkedPhysicalObjectLink(kelDataLinkedPhysicalObjectLinkPrivate &dd,
+                                             QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataLinkedPhysicalObjectLink)
 
@@ -59,5 +63,7 @@ private:
     double reliability = 1.0;
     QSharedPointer<kelDataLinkedPhysicalObject> father;
 };
+
+#include <kelCore/data/kelDataLinkedPhysicalObject.h> // for its ends; each of the two names the other
 
 #endif

@@ -5,10 +5,14 @@
 
 #include <iostream>
 
-kelDataPhysicalObject::kelDataPhysicalObject() : kelAbstractData(*new kelDataPhysicalObjectPrivate) { }
+kelDataPhysicalObject::kelDataPhysicalObject() : kelDataPhysicalObject(*new kelDataPhysicalObjectPrivate) { }
 
 kelDataPhysicalObject::kelDataPhysicalObject(const kelDataPhysicalObject &other)
-    : kelAbstractData(*new kelDataPhysicalObjectPrivate(*other.d_func()), other.parent())
+    : kelDataPhysicalObject(*new kelDataPhysicalObjectPrivate(*other.d_func()), other.parent())
+{ }
+
+kelDataPhysicalObject::kelDataPhysicalObject(kelDataPhysicalObjectPrivate &dd, QObject *parent)
+    : kelAbstractData(dd, parent)
 { }
 
 kelDataPhysicalObject::~kelDataPhysicalObject() = default;

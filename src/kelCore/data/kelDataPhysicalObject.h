@@ -80,6 +80,9 @@ public:
     void getPixels(std::list<cv::Point> &out) const;
     void getVoxels(std::list<cv::Point3f> &out) const;
 
+protected:
+    explicit kelDataPhysicalObject(kelDataPhysicalObjectPrivate &dd, QObject *parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelDataPhysicalObject)
 };
