@@ -12,3 +12,11 @@ void nub::warnSlicing()
 {
     nub::log(nub::Warning, "Other is not of same type than this, slicing is occuring.");
 }
+
+bool nub::sameIdentifierOrWarn(const nubAbstractObject &self, const nubAbstractObject &other)
+{
+    const bool same = self.identifier() == other.identifier();
+    if (!same)
+        warnSlicing();
+    return same;
+}

@@ -26,6 +26,9 @@ template <class Result = void> Result defaultBody(const nubAbstractObject *objec
 /// Logs the slicing warning at level 17.
 NUBCORE_EXPORT void warnSlicing();
 
+/// Whether the two have equal identifiers, which is what `copy` goes by; the slicing warning otherwise.
+NUBCORE_EXPORT bool sameIdentifierOrWarn(const nubAbstractObject &self, const nubAbstractObject &other);
+
 /// `other` as a `Class` when it is of the same kind as `self`, that is, when their identifiers are equal;
 /// null otherwise. A foreign class that reuses an identifier is not of the same kind.
 template <class Class> const Class *sameKind(const nubAbstractObject &self, const nubAbstractObject &other)
