@@ -35,7 +35,8 @@ class kelAbstractProcessPrivate;
 /// header that ends in `_p.h`, is for stages that others shall derive from in turn.
 ///
 /// **Copying.** The copy constructor carries time stamp, parameters and what the interface names; `copy` and
-/// assignment carry the framework's part alone. `clone` gives null where a stage does not override it.
+/// assignment carry the framework's part alone. `clone` gives null where no class overrides it, and slices
+/// where the stage leaves an interface's own `clone` as it is: those that clone say so in their headers.
 class KELCORE_EXPORT kelAbstractProcess : public nubAbstractProcess
 {
     Q_OBJECT

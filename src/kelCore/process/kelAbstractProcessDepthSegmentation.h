@@ -38,7 +38,7 @@ public:
 
     /// The frame belongs to the caller; a stage that needs it beyond the call shares its pixels.
     virtual void setColorImg(const kelDataImage &image);
-    /// The depth frame of the same moment, in the units of the calibration. Kept like the colour frame.
+    /// The depth frame of the same moment. Kept like the colour frame.
     virtual void setDepthImg(const kelDataImage &image);
     /// Reads the stage's parameters; files that they name are looked for below `commonPath`.
     virtual void setParameterFile(const std::string &file, std::string commonPath);

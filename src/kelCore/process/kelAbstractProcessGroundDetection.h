@@ -36,7 +36,7 @@ public:
     /// Calls the virtual `copy`.
     kelAbstractProcessGroundDetection &operator=(const kelAbstractProcessGroundDetection &other) = default;
 
-    /// Made by the copy constructor; the caller owns it.
+    /// Made by the copy constructor; the caller owns it. A derived stage overrides it, and `identifier`.
     kelAbstractProcessGroundDetection *clone() override;
     /// Copies what the framework copies. Logs the slicing warning when `other` is of another kind.
     void copy(const nubAbstractObject &other) override;
@@ -44,7 +44,7 @@ public:
 
     /// Reads the stage's parameters.
     virtual void setParameterFile(std::string file);
-    /// Finds the plane in a depth map of one channel, in the units of the calibration. Pixels are shared.
+    /// Finds the plane in a depth map, whose pixels are shared.
     virtual void computeGroundPlaneFromDepthMap(cv::Mat depth);
     /// The stage gets a calibration of its own, which shares the caller's matrices and depth map.
     virtual void setCalibrationWithDepth(kelAbstractDataCalibrationWithDepth calibration);

@@ -31,7 +31,7 @@ public:
     /// Calls the virtual `copy`.
     kelAbstractProcessJsonGenerator &operator=(const kelAbstractProcessJsonGenerator &other) = default;
 
-    /// Made by the copy constructor; the caller owns it.
+    /// Made by the copy constructor; the caller owns it. A derived stage overrides it, and `identifier`.
     kelAbstractProcessJsonGenerator *clone() override;
     /// Copies what the framework copies. Logs the slicing warning when `other` is of another kind.
     void copy(const nubAbstractObject &other) override;
