@@ -1,34 +1,26 @@
 #include "kelrecord/ComponentBlobs.h"
 
-#include <kelCore/process/kelAbstractProcessBlobsGeneration_p.h>
-
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <tuple>
 #include <vector>
 
-class ComponentBlobsPrivate : public kelAbstractProcessBlobsGenerationPrivate
-{ };
-
-ComponentBlobs::ComponentBlobs() : kelAbstractProcessBlobsGeneration(*new ComponentBlobsPrivate) { }
-
 bool ComponentBlobs::generateBlobs()
 {
-    Q_D(ComponentBlobs);
-    d->blobs.clear();
-    if (!d->segmentationImage || d->segmentationImage->getImage().empty())
+    getBlobs().clear();
+    const QSharedPointer<kelDataImage> &mask = getSegmentationImage();
+    if (!mask || mask->getImage().empty())
         return false;
 
     cv::Mat labels, stats, centroids;
-    const int count =
-        cv::connectedComponentsWithStats(d->segmentationImage->getImage(), labels, stats, centroids, 8);
+    const int count = cv::connectedComponentsWithStats(mask->getImage(), labels, stats, centroids, 8);
     std::vector<cv::Rect> boxes;
     for (int i = 1; i < count; ++i) { // 0 is the background
         const int *s = stats.ptr<int>(i);
         const cv::Rect box(s[cv::CC_STAT_LEFT], s[cv::CC_STAT_TOP], s[cv::CC_STAT_WIDTH],
                            s[cv::CC_STAT_HEIGHT]);
-        if (s[cv::CC_STAT_AREA] >= d->minArea && std::min(box.width, box.height) >= d->minDimension)
+        if (s[cv::CC_STAT_AREA] >= getMinArea() && std::min(box.width, box.height) >= getMinDimension())
             boxes.push_back(box);
     }
     std::sort(boxes.begin(), boxes.end(), [](const cv::Rect &a, const cv::Rect &b) {
@@ -38,7 +30,7 @@ bool ComponentBlobs::generateBlobs()
         QSharedPointer<kelDataBlob> blob(new kelDataBlob);
         blob->setBoundingBox2D(box);
         blob->setBoundingBox2D_qt(QRect(box.x, box.y, box.width, box.height));
-        d->blobs.append(blob);
+        getBlobs().append(blob);
     }
     return true;
 }

@@ -6,8 +6,6 @@
 
 #include <kelCore/process/kelAbstractProcessBlobsGeneration.h>
 
-class ComponentBlobsPrivate;
-
 /// One blob for each 8-connected component of the mask that is large enough: its area in pixels is at least
 /// the minimum area, its box at least the minimum dimension wide and high. Blobs carry both boxes, and come
 /// from top to bottom and left to right.
@@ -16,13 +14,7 @@ class ComponentBlobs : public kelAbstractProcessBlobsGeneration
     Q_OBJECT
 
 public:
-    ComponentBlobs();
-
     bool generateBlobs() override;
-
-private:
-    Q_DECLARE_PRIVATE_D(nub_d, ComponentBlobs)
-    Q_DISABLE_COPY(ComponentBlobs) // a copy would need a private object of its own kind
 };
 
 #endif

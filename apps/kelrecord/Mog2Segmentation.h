@@ -6,7 +6,8 @@
 
 #include <kelCore/process/kelAbstractProcessSegmentation.h>
 
-class Mog2SegmentationPrivate;
+#include <opencv2/imgproc.hpp>
+#include <opencv2/video/background_segm.hpp>
 
 /// Background subtraction by a mixture of Gaussians per pixel (Z. Zivkovic, "Improved adaptive Gaussian
 /// mixture model for background subtraction", ICPR 2004, as OpenCV's MOG2). Shadows are dropped, specks
@@ -16,15 +17,19 @@ class Mog2Segmentation : public kelAbstractProcessSegmentation
     Q_OBJECT
 
 public:
-    Mog2Segmentation();
+    Mog2Segmentation() = default;
 
     /// Learns from the acquisition image and segments it. The first image gives an empty mask: nothing has
     /// moved yet.
     bool segment() override;
 
 private:
-    Q_DECLARE_PRIVATE_D(nub_d, Mog2Segmentation)
-    Q_DISABLE_COPY(Mog2Segmentation) // a copy would need a private object of its own kind
+    Q_DISABLE_COPY(Mog2Segmentation) // a copy would learn into the same background
+
+    cv::Ptr<cv::BackgroundSubtractorMOG2> m_background = cv::createBackgroundSubtractorMOG2(500, 16, true);
+    cv::Mat m_speck = cv::getStructuringElement(cv::MORPH_ELLIPSE, {3, 3});
+    cv::Mat m_gap = cv::getStructuringElement(cv::MORPH_ELLIPSE, {7, 9}); // people are taller than wide
+    bool m_first = true;
 };
 
 #endif

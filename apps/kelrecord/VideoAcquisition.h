@@ -6,7 +6,8 @@
 
 #include <kelCore/process/kelAbstractProcessAcquisition.h>
 
-class VideoAcquisitionPrivate;
+#include <memory>
+
 class VideoSource;
 
 /// Opens what its stream's device names, and hands out its frames one after another.
@@ -16,6 +17,7 @@ class VideoAcquisition : public kelAbstractProcessAcquisition
 
 public:
     VideoAcquisition();
+    ~VideoAcquisition() override;
 
     /// Opens the stream's device. \throws Failure when it is no video.
     void setStream(QSharedPointer<kelAbstractDataStream> &stream) override;
@@ -25,8 +27,9 @@ public:
     const VideoSource &source() const;
 
 private:
-    Q_DECLARE_PRIVATE_D(nub_d, VideoAcquisition)
-    Q_DISABLE_COPY(VideoAcquisition) // a copy would need a private object of its own kind
+    Q_DISABLE_COPY(VideoAcquisition) // a copy would take frames from the same video
+
+    std::unique_ptr<VideoSource> m_source;
 };
 
 #endif

@@ -6,8 +6,6 @@
 
 #include <kelCore/process/kelAbstractProcessSegmentation.h>
 
-class FrameDifferencePrivate;
-
 /// Takes for foreground every pixel that changed since the frame before.
 ///
 /// A pixel has changed when one of its channels differs by more than the parameter "threshold", an integer
@@ -17,10 +15,10 @@ class FrameDifference : public kelAbstractProcessSegmentation
     Q_OBJECT
 
 public:
-    FrameDifference();
+    FrameDifference() = default;
     /// Carries what segmentation stages carry, and the threshold; the copy has not seen a frame yet.
     FrameDifference(const FrameDifference &other);
-    ~FrameDifference() override;
+    FrameDifference &operator=(const FrameDifference &) = delete;
 
     /// Made by the copy constructor; the caller owns it.
     FrameDifference *clone() override;
@@ -35,7 +33,8 @@ public:
     bool segment() override;
 
 private:
-    Q_DECLARE_PRIVATE_D(nub_d, FrameDifference)
+    int m_threshold = 25;
+    cv::Mat m_previous; ///< The frame before; pixels of its own.
 };
 
 #endif

@@ -3,8 +3,6 @@
 
 #include "FrameDifference.h"
 
-#include <kelCore/data/kelDataImage.h>
-
 #include <opencv2/core.hpp>
 
 #include <cstdio>

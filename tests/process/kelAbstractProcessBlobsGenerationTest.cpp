@@ -2,19 +2,15 @@
 #include <kelCore/process/kelAbstractProcessBlobsGeneration_p.h>
 
 #include "support/Capture.h"
-
-#include <type_traits>
+#include "support/Stage.h"
 
 namespace {
 
 /// Makes one blob of every mask.
-class BlobsGeneration : public kelAbstractProcessBlobsGeneration
+class BlobsGeneration
+    : public Opened<kelAbstractProcessBlobsGeneration, kelAbstractProcessBlobsGenerationPrivate>
 {
 public:
-    kelAbstractProcessBlobsGenerationPrivate &d()
-    {
-        return static_cast<kelAbstractProcessBlobsGenerationPrivate &>(*nub_d);
-    }
     bool generateBlobs() override
     {
         getBlobs() = {QSharedPointer<kelDataBlob>(new kelDataBlob)};
@@ -24,12 +20,6 @@ public:
 
 } // namespace
 
-TEST(kelAbstractProcessBlobsGenerationTest, PlugInsMustSupplyTheGeneration)
-{
-    EXPECT_TRUE(std::is_abstract<kelAbstractProcessBlobsGeneration>::value);
-    EXPECT_EQ(sizeof(kelAbstractProcessBlobsGeneration), sizeof(nubAbstractObject));
-}
-
 TEST(kelAbstractProcessBlobsGenerationTest, AFreshStageHasTheStatedMinimums)
 {
     BlobsGeneration stage;
@@ -37,8 +27,6 @@ TEST(kelAbstractProcessBlobsGenerationTest, AFreshStageHasTheStatedMinimums)
     EXPECT_EQ(stage.d().minArea, 2000);
     EXPECT_EQ(stage.d().minDimension, 50);
     EXPECT_TRUE(stage.getBlobs().isEmpty());
-    EXPECT_TRUE(stage.getSpecificParameters().isEmpty());
-    EXPECT_EQ(stage.parent(), nullptr);
 }
 
 TEST(kelAbstractProcessBlobsGenerationTest, EachMinimumIsSetOnItsOwn)
@@ -57,15 +45,8 @@ TEST(kelAbstractProcessBlobsGenerationTest, EachMinimumIsSetOnItsOwn)
 TEST(kelAbstractProcessBlobsGenerationTest, SetSegmentationImageKeepsTheMaskAndReleasesThePreviousOne)
 {
     BlobsGeneration stage;
-    QSharedPointer<kelDataImage> first(new kelDataImage);
-    QSharedPointer<kelDataImage> second(new kelDataImage);
-    stage.setSegmentationImage(first);
-    EXPECT_EQ(stage.d().segmentationImage, first);
-    stage.setSegmentationImage(second);
-    EXPECT_EQ(stage.d().segmentationImage, second);
-    const QWeakPointer<kelDataImage> watched(first);
-    first.reset();
-    EXPECT_TRUE(watched.isNull());
+    expectKeptAndReleased<kelDataImage>(stage.d().segmentationImage,
+                                        [&](auto &object) { stage.setSegmentationImage(object); });
 }
 
 TEST(kelAbstractProcessBlobsGenerationTest, ThePlugInsBlobsAreReadThroughTheReference)
@@ -78,7 +59,7 @@ TEST(kelAbstractProcessBlobsGenerationTest, ThePlugInsBlobsAreReadThroughTheRefe
     EXPECT_TRUE(stage.d().blobs.isEmpty());
 }
 
-TEST(kelAbstractProcessBlobsGenerationTest, ACopyTakesAllFourMembersAndTheBase)
+TEST(kelAbstractProcessBlobsGenerationTest, ACopyTakesAllFourMembers)
 {
     BlobsGeneration stage;
     QSharedPointer<kelDataImage> mask(new kelDataImage);
@@ -86,27 +67,12 @@ TEST(kelAbstractProcessBlobsGenerationTest, ACopyTakesAllFourMembersAndTheBase)
     stage.setMinArea(3);
     stage.setMinDimension(4);
     stage.generateBlobs();
-    stage.setSpecificParameters({{"k", 1}});
     BlobsGeneration copy(stage);
     EXPECT_EQ(copy.d().segmentationImage, mask);
     EXPECT_EQ(copy.d().minArea, 3);
     EXPECT_EQ(copy.d().minDimension, 4);
     EXPECT_EQ(copy.getBlobs(), stage.getBlobs());
-    EXPECT_EQ(copy.getSpecificParameters(), (QVariantMap{{"k", 1}}));
 
     copy.getBlobs().clear();
     EXPECT_EQ(stage.getBlobs().size(), 1);
-}
-
-TEST(kelAbstractProcessBlobsGenerationTest, ACopyTakesTheParentOfItsSource)
-{
-    QObject parent;
-    auto *stage = new BlobsGeneration;
-    stage->setParent(&parent);
-    EXPECT_EQ((new BlobsGeneration(*stage))->parent(), &parent);
-}
-
-TEST(kelAbstractProcessBlobsGenerationTest, TheIdentifierIsTheFrameworks)
-{
-    EXPECT_EQ(BlobsGeneration().identifier(), "kelAbstractProcessBlobsGeneration");
 }

@@ -4,8 +4,6 @@
 #include "support/Capture.h"
 #include "support/Stage.h"
 
-#include <type_traits>
-
 namespace {
 
 /// Makes one physical object of each blob.
@@ -30,18 +28,12 @@ Blobs twoBlobs()
 
 } // namespace
 
-TEST(kelAbstractProcessClassifierTest, PlugInsMustSupplyTheClassification)
-{
-    EXPECT_TRUE(std::is_abstract<kelAbstractProcessClassifier>::value);
-}
-
 TEST(kelAbstractProcessClassifierTest, AFreshStageHoldsNothing)
 {
     Classifier stage;
     EXPECT_TRUE(stage.d().calibration.isNull());
     EXPECT_TRUE(stage.d().blobs.isEmpty());
     EXPECT_TRUE(stage.getPhysicalObjects().isEmpty());
-    expectFreshBase<Classifier>();
 }
 
 TEST(kelAbstractProcessClassifierTest, TheSettersKeepWhatTheyAreGivenSilently)
@@ -85,11 +77,4 @@ TEST(kelAbstractProcessClassifierTest, ACopySharesCalibrationAndBlobsAndHasNoObj
     EXPECT_EQ(copy.d().blobs, blobs);
     EXPECT_TRUE(copy.getPhysicalObjects().isEmpty());
     EXPECT_EQ(stage.getPhysicalObjects().size(), 2);
-    expectCopiedBase<Classifier>();
-}
-
-TEST(kelAbstractProcessClassifierTest, TheIdentifierIsTheFrameworks)
-{
-    EXPECT_EQ(Classifier().identifier(), "kelAbstractProcessClassifier");
-    EXPECT_EQ(Classifier().clone(), nullptr);
 }

@@ -1,10 +1,7 @@
 #include <kelCore/process/kelAbstractProcessEventRecognition.h>
 #include <kelCore/process/kelAbstractProcessEventRecognition_p.h>
 
-#include "support/Capture.h"
 #include "support/Stage.h"
-
-#include <type_traits>
 
 namespace {
 
@@ -33,11 +30,6 @@ ActorList oneActor(unsigned int ident)
 
 } // namespace
 
-TEST(kelAbstractProcessEventRecognitionTest, PlugInsMustSupplyTheRecognition)
-{
-    EXPECT_TRUE(std::is_abstract<kelAbstractProcessEventRecognition>::value);
-}
-
 TEST(kelAbstractProcessEventRecognitionTest, AFreshStageHoldsNothing)
 {
     EventRecognition stage;
@@ -45,7 +37,6 @@ TEST(kelAbstractProcessEventRecognitionTest, AFreshStageHoldsNothing)
     EXPECT_TRUE(stage.d().events.empty());
     EXPECT_TRUE(stage.getCurrentFrameEvents().empty());
     EXPECT_TRUE(stage.getAllFramesEvents().empty());
-    expectFreshBase<EventRecognition>();
 }
 
 TEST(kelAbstractProcessEventRecognitionTest, SetActorsReplacesTheActors)
@@ -91,10 +82,4 @@ TEST(kelAbstractProcessEventRecognitionTest, ACopyHasListsOfItsOwnThatShareActor
     copy.d().events.clear();
     EXPECT_EQ(stage.d().actors.size(), 1u);
     EXPECT_EQ(stage.d().events.size(), 1u);
-    expectCopiedBase<EventRecognition>();
-}
-
-TEST(kelAbstractProcessEventRecognitionTest, TheIdentifierIsTheFrameworks)
-{
-    EXPECT_EQ(EventRecognition().identifier(), "kelAbstractProcessEventRecognition");
 }

@@ -1,10 +1,7 @@
 #include <kelCore/process/kelAbstractProcessGroupTracker.h>
 #include <kelCore/process/kelAbstractProcessGroupTracker_p.h>
 
-#include "support/Capture.h"
 #include "support/Stage.h"
-
-#include <type_traits>
 
 namespace {
 
@@ -32,11 +29,6 @@ Actors twoActors()
 
 } // namespace
 
-TEST(kelAbstractProcessGroupTrackerTest, PlugInsMustSupplyTheTracking)
-{
-    EXPECT_TRUE(std::is_abstract<kelAbstractProcessGroupTracker>::value);
-}
-
 TEST(kelAbstractProcessGroupTrackerTest, AFreshStageHoldsNothing)
 {
     GroupTracker stage;
@@ -46,20 +38,6 @@ TEST(kelAbstractProcessGroupTrackerTest, AFreshStageHoldsNothing)
     EXPECT_TRUE(stage.d().frame.isNull());
     EXPECT_EQ(stage.d().parameterFile, "");
     EXPECT_TRUE(stage.getActors().isEmpty());
-    expectFreshBase<GroupTracker>();
-}
-
-TEST(kelAbstractProcessGroupTrackerTest, TheMembersStandInTheirOrder)
-{
-    GroupTracker stage;
-    auto &d = stage.d();
-    const auto place = [&d](const auto &member) {
-        return reinterpret_cast<const char *>(&member) - reinterpret_cast<const char *>(&d);
-    };
-    EXPECT_LT(place(d.calibration), place(d.context));
-    EXPECT_LT(place(d.context), place(d.actors));
-    EXPECT_LT(place(d.actors), place(d.frame));
-    EXPECT_LT(place(d.frame), place(d.parameterFile));
 }
 
 TEST(kelAbstractProcessGroupTrackerTest, TheSettersKeepWhatTheyAreGiven)
@@ -115,10 +93,4 @@ TEST(kelAbstractProcessGroupTrackerTest, ACopyTakesAllFiveMembersAndTheBase)
     EXPECT_EQ(copy.d().parameterFile, "groups.txt");
     copy.getActors().clear();
     EXPECT_EQ(stage.getActors().size(), 2);
-    expectCopiedBase<GroupTracker>();
-}
-
-TEST(kelAbstractProcessGroupTrackerTest, TheIdentifierIsTheFrameworks)
-{
-    EXPECT_EQ(GroupTracker().identifier(), "kelAbstractProcessGroupTracker");
 }

@@ -4,8 +4,6 @@
 #include "support/Capture.h"
 #include "support/Stage.h"
 
-#include <type_traits>
-
 namespace {
 
 /// Knows every actor as number 1.
@@ -27,11 +25,6 @@ Actors oneActor() { return {QSharedPointer<kelDataActor>(new kelDataActor)}; }
 
 } // namespace
 
-TEST(kelAbstractProcessReAcquisitionTest, PlugInsMustSupplyTheReAcquisition)
-{
-    EXPECT_TRUE(std::is_abstract<kelAbstractProcessReAcquisition>::value);
-}
-
 TEST(kelAbstractProcessReAcquisitionTest, AFreshStageHoldsNothing)
 {
     ReAcquisition stage;
@@ -40,7 +33,6 @@ TEST(kelAbstractProcessReAcquisitionTest, AFreshStageHoldsNothing)
     EXPECT_EQ(stage.d().mtsPath, "");
     EXPECT_TRUE(stage.d().outputActors.isEmpty());
     EXPECT_TRUE(stage.getActors().isEmpty());
-    expectFreshBase<ReAcquisition>();
 }
 
 TEST(kelAbstractProcessReAcquisitionTest, TheSettersKeepWhatTheyAreGivenSilently)
@@ -88,10 +80,4 @@ TEST(kelAbstractProcessReAcquisitionTest, ACopyTakesImageAndInputAndLeavesPathAn
     EXPECT_TRUE(copy.getActors().isEmpty());
     EXPECT_EQ(stage.d().mtsPath, "known");
     EXPECT_EQ(stage.getActors().size(), 1);
-    expectCopiedBase<ReAcquisition>();
-}
-
-TEST(kelAbstractProcessReAcquisitionTest, TheIdentifierIsTheFrameworks)
-{
-    EXPECT_EQ(ReAcquisition().identifier(), "kelAbstractProcessReAcquisition");
 }

@@ -1,154 +1,12 @@
 /// \file
 /// Every default body of every stage: what it logs and what it gives.
 
-#include <kelCore/data/kelAbstractDataCalibrationWithDepth.h>
-#include <kelCore/data/kelAbstractDataStream.h>
-#include <kelCore/data/kelDataActor.h>
-#include <kelCore/data/kelDataContext.h>
-#include <kelCore/data/kelDataEvent.h>
-#include <kelCore/data/kelDataImage.h>
-#include <kelCore/data/kelDataPhysicalObject.h>
-#include <kelCore/process/kelAbstractProcessAcquisition.h>
-#include <kelCore/process/kelAbstractProcessBlobsGeneration.h>
-#include <kelCore/process/kelAbstractProcessClassifier.h>
-#include <kelCore/process/kelAbstractProcessDepthSegmentation.h>
-#include <kelCore/process/kelAbstractProcessEventRecognition.h>
-#include <kelCore/process/kelAbstractProcessFakeTracker.h>
-#include <kelCore/process/kelAbstractProcessFeetDetection.h>
-#include <kelCore/process/kelAbstractProcessFrameToFrameTracker.h>
-#include <kelCore/process/kelAbstractProcessGroundDetection.h>
-#include <kelCore/process/kelAbstractProcessGroupTracker.h>
-#include <kelCore/process/kelAbstractProcessJsonGenerator.h>
-#include <kelCore/process/kelAbstractProcessMessageSender.h>
-#include <kelCore/process/kelAbstractProcessPeopleDetector.h>
-#include <kelCore/process/kelAbstractProcessReAcquisition.h>
-#include <kelCore/process/kelAbstractProcessSegmentation.h>
-#include <kelCore/process/kelAbstractProcessXMLReaderWriter.h>
+#include "process/everyStage.h"
 
 #include "support/Capture.h"
 
 #include <functional>
-#include <memory>
 #include <vector>
-
-// One stage of each kind that supplies what it must and overrides nothing else.
-namespace stage {
-
-class Acquisition : public kelAbstractProcessAcquisition
-{
-    Q_OBJECT
-};
-
-class Segmentation : public kelAbstractProcessSegmentation
-{
-    Q_OBJECT
-
-public:
-    bool segment() override { return true; }
-};
-
-class BlobsGeneration : public kelAbstractProcessBlobsGeneration
-{
-    Q_OBJECT
-
-public:
-    bool generateBlobs() override { return true; }
-};
-
-class Classifier : public kelAbstractProcessClassifier
-{
-    Q_OBJECT
-
-public:
-    bool classify() override { return true; }
-};
-
-class DepthSegmentation : public kelAbstractProcessDepthSegmentation
-{
-    Q_OBJECT
-};
-
-class FakeTracker : public kelAbstractProcessFakeTracker
-{
-    Q_OBJECT
-};
-
-class FeetDetection : public kelAbstractProcessFeetDetection
-{
-    Q_OBJECT
-};
-
-class GroundDetection : public kelAbstractProcessGroundDetection
-{
-    Q_OBJECT
-};
-
-class EventRecognition : public kelAbstractProcessEventRecognition
-{
-    Q_OBJECT
-
-public:
-    bool recognizeEvents() override { return true; }
-};
-
-class JsonGenerator : public kelAbstractProcessJsonGenerator
-{
-    Q_OBJECT
-};
-
-class MessageSender : public kelAbstractProcessMessageSender
-{
-    Q_OBJECT
-};
-
-class PeopleDetector : public kelAbstractProcessPeopleDetector
-{
-    Q_OBJECT
-
-public:
-    void setImage(const kelDataImage &) override { }
-    bool detectPeople(PhysicalObjs &) override { return true; }
-};
-
-class FrameToFrameTracker : public kelAbstractProcessFrameToFrameTracker
-{
-    Q_OBJECT
-
-public:
-    void setPhysicalObjects(const PhysicalObjs &) override { }
-    bool track() override { return true; }
-    QList<QSharedPointer<kelDataActor>> getActors() override { return {}; }
-};
-
-class GroupTracker : public kelAbstractProcessGroupTracker
-{
-    Q_OBJECT
-
-public:
-    bool init() override { return true; }
-    bool trackGroups() override { return true; }
-};
-
-class ReAcquisition : public kelAbstractProcessReAcquisition
-{
-    Q_OBJECT
-
-public:
-    bool reAcquire() override { return true; }
-};
-
-class XMLReaderWriter : public kelAbstractProcessXMLReaderWriter
-{
-    Q_OBJECT
-
-public:
-    bool parsePhysicalObjects() override { return true; }
-    bool parseActors() override { return true; }
-    bool writePhysicalObjects() override { return true; }
-    bool writeActors() override { return true; }
-};
-
-} // namespace stage
 
 namespace {
 
@@ -392,19 +250,6 @@ const std::vector<DefaultBody> &quiet()
     return bodies;
 }
 
-template <class Stage> std::unique_ptr<kelAbstractProcess> make() { return std::make_unique<Stage>(); }
-
-const std::vector<std::unique_ptr<kelAbstractProcess> (*)()> &allStages()
-{
-    static const std::vector<std::unique_ptr<kelAbstractProcess> (*)()> makers = {
-        make<Acquisition>,         make<Segmentation>,  make<BlobsGeneration>, make<Classifier>,
-        make<DepthSegmentation>,   make<FakeTracker>,   make<FeetDetection>,   make<GroundDetection>,
-        make<EventRecognition>,    make<JsonGenerator>, make<MessageSender>,   make<PeopleDetector>,
-        make<FrameToFrameTracker>, make<GroupTracker>,  make<ReAcquisition>,   make<XMLReaderWriter>,
-    };
-    return makers;
-}
-
 std::string rowName(const testing::TestParamInfo<DefaultBody> &info) { return info.param.name; }
 
 class stageDefaultsTest : public testing::TestWithParam<DefaultBody>
@@ -421,6 +266,7 @@ TEST_P(stageDefaultsTest, LogsOneNoticeThatNamesTheMostDerivedClassAndGivesNothi
     MessageCapture messages;
     EXPECT_TRUE(GetParam().call());
     EXPECT_EQ(messages.take(), QStringList{defaultNotice(GetParam().signature, GetParam().className)});
+    EXPECT_TRUE(messages.onlyDebug());
 }
 
 TEST_P(stageDefaultsTest, IsSilentAboveLevelOneAndGivesTheSame)
@@ -442,49 +288,3 @@ TEST_P(stageQuietDefaultsTest, LogsNothingAndGivesTheStatedResult)
 }
 
 INSTANTIATE_TEST_SUITE_P(Stages, stageQuietDefaultsTest, testing::ValuesIn(quiet()), rowName);
-
-TEST(stageParametersTest, EveryStageKeepsThemWithTheBasesNotice)
-{
-    const LogLevel level(1);
-    MessageCapture messages;
-    for (const auto &make : allStages()) {
-        const std::unique_ptr<kelAbstractProcess> stage = make();
-        const char *className = stage->metaObject()->className();
-        EXPECT_EQ(messages.take(), QStringList()) << className;
-        EXPECT_TRUE(stage->setSpecificParameters({{"k", 1}})) << className;
-        EXPECT_EQ(stage->getSpecificParameters(), (QVariantMap{{"k", 1}})) << className;
-        EXPECT_EQ(
-            messages.take(),
-            QStringList{defaultNotice(
-                "virtual bool kelAbstractProcess::setSpecificParameters(const QVariantMap&)", className)});
-    }
-}
-
-TEST(stageParametersTest, AboveLevelOneTheyAreKeptSilently)
-{
-    const LogLevel level(2);
-    MessageCapture messages;
-    for (const auto &make : allStages()) {
-        const std::unique_ptr<kelAbstractProcess> stage = make();
-        EXPECT_TRUE(stage->setSpecificParameters({{"k", 1}}));
-        EXPECT_EQ(stage->getSpecificParameters().size(), 1);
-    }
-    EXPECT_TRUE(messages.lines().isEmpty());
-}
-
-TEST(stageParametersTest, AStageThatIsNotDerivedFromNamesItself)
-{
-    const LogLevel level(1);
-    MessageCapture messages;
-    kelAbstractProcessFeetDetection feet;
-    feet.init();
-    feet.setSpecificParameters({});
-    const char *name = "kelAbstractProcessFeetDetection";
-    EXPECT_EQ(messages.take(),
-              (QStringList{
-                  defaultNotice("virtual void kelAbstractProcessFeetDetection::init()", name),
-                  defaultNotice("virtual bool kelAbstractProcess::setSpecificParameters(const QVariantMap&)",
-                                name)}));
-}
-
-#include "stageDefaultsTest.moc"

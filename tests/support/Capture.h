@@ -13,7 +13,9 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 /// Catches every message that goes through Qt, in order. Only one can live at a time.
 class MessageCapture
@@ -34,6 +36,10 @@ public:
 
     const QStringList &lines() const { return m_lines; }
     int count(const QString &line) const { return static_cast<int>(m_lines.count(line)); }
+    /// True while every message so far, taken or not, was a debug message.
+    bool onlyDebug() const { return m_onlyDebug; }
+    /// Calls `look` when a message arrives, before it is caught.
+    void whenCaught(std::function<void()> look) { m_look = std::move(look); }
     /// The lines caught so far, which are forgotten.
     QStringList take()
     {
@@ -48,14 +54,21 @@ private:
         static MessageCapture *capture = nullptr;
         return capture;
     }
-    static void handle(QtMsgType, const QMessageLogContext &, const QString &text)
+    static void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
     {
-        if (current())
-            current()->m_lines.append(text);
+        MessageCapture *capture = current();
+        if (!capture)
+            return;
+        if (capture->m_look)
+            capture->m_look();
+        capture->m_lines.append(text);
+        capture->m_onlyDebug = capture->m_onlyDebug && type == QtDebugMsg;
     }
 
     QtMessageHandler m_previous = nullptr;
     QStringList m_lines;
+    std::function<void()> m_look;
+    bool m_onlyDebug = true;
 };
 
 /// Catches what is written to standard output, at the level of the file descriptor.

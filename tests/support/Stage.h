@@ -6,12 +6,17 @@
 
 #include <kelCore/data/CSynchronizer.h>
 #include <kelCore/process/kelAbstractProcess.h>
+#include <kelCore/process/kelAbstractProcess_p.h>
+
+#include "support/VirtualSlot.h"
 
 #include <gtest/gtest.h>
 
+#include <QMetaObject>
 #include <QSharedPointer>
 
-#include <cstddef>
+#include <type_traits>
+#include <vector>
 
 /// A stage whose private object the tests look into, as a plug-in does.
 template <class Stage, class Private> class Opened : public Stage
@@ -19,6 +24,32 @@ template <class Stage, class Private> class Opened : public Stage
 public:
     Private &d() { return static_cast<Private &>(*this->nub_d); }
 };
+
+/// A stage is a class of its own name, derived from the base alone, as its private class is, and without signals,
+/// slots or properties.
+template <class Stage, class Private> void expectStage(const QString &name)
+{
+    const QMetaObject &meta = Stage::staticMetaObject;
+    EXPECT_EQ(meta.className(), name);
+    EXPECT_EQ(meta.superClass(), &kelAbstractProcess::staticMetaObject);
+    EXPECT_EQ(meta.methodCount(), QObject::staticMetaObject.methodCount());
+    EXPECT_EQ(meta.propertyCount(), QObject::staticMetaObject.propertyCount());
+    EXPECT_TRUE((std::is_base_of<kelAbstractProcessPrivate, Private>::value));
+    EXPECT_TRUE(std::has_virtual_destructor<Private>::value);
+}
+
+/// `Stage` appends to the operations of the base those in these slots, in this order, and no others.
+template <class Stage> void expectAppended(const std::vector<int> &order)
+{
+    struct Next : Stage
+    {
+        virtual void behindAllOthers() { }
+    };
+    int expected = slot(&kelAbstractProcess::setSpecificParameters);
+    for (const int place : order)
+        EXPECT_EQ(place, ++expected);
+    EXPECT_EQ(slot(&Next::behindAllOthers), expected + 1);
+}
 
 /// A new stage has no parameters, a null time stamp and no parent.
 template <class Stage> void expectFreshBase()

@@ -33,6 +33,11 @@ const QVariantMap &kelAbstractProcess::getSpecificParameters() const { return d_
 bool kelAbstractProcess::setSpecificParameters(const QVariantMap &parameters)
 {
     nub::defaultNotice(this, "virtual bool kelAbstractProcess::setSpecificParameters(const QVariantMap&)");
-    d_func()->specificParameters = parameters;
+    keepSpecificParameters(parameters);
     return true;
+}
+
+void kelAbstractProcess::keepSpecificParameters(const QVariantMap &parameters)
+{
+    d_func()->specificParameters = parameters;
 }

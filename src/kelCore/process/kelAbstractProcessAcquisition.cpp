@@ -32,6 +32,11 @@ void kelAbstractProcessAcquisition::setStream(QSharedPointer<kelAbstractDataStre
     d_func()->stream = stream;
 }
 
+const QSharedPointer<kelAbstractDataStream> &kelAbstractProcessAcquisition::getStream() const
+{
+    return d_func()->stream;
+}
+
 bool kelAbstractProcessAcquisition::acquire()
 {
     return nub::defaultBody<bool>(this, "virtual bool kelAbstractProcessAcquisition::acquire()");

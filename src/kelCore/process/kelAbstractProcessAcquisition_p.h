@@ -5,17 +5,15 @@
 /// State of kelAbstractProcessAcquisition. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelAbstractDataStream.h>
-#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessAcquisition.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 
 class KELCORE_EXPORT kelAbstractProcessAcquisitionPrivate : public kelAbstractProcessPrivate
 {
 public:
-    QSharedPointer<kelAbstractDataStream> stream;
-    QSharedPointer<kelDataImage> image;
-    QSharedPointer<kelDataImage> depth;
+    QSharedPointer<kelAbstractDataStream> stream; ///< Input.
+    QSharedPointer<kelDataImage> image; ///< Output: the colour frame.
+    QSharedPointer<kelDataImage> depth; ///< Output.
 };
 
 #endif

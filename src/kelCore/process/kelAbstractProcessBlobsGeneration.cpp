@@ -26,4 +26,13 @@ void kelAbstractProcessBlobsGeneration::setMinArea(int area) { d_func()->minArea
 
 void kelAbstractProcessBlobsGeneration::setMinDimension(int dimension) { d_func()->minDimension = dimension; }
 
+const QSharedPointer<kelDataImage> &kelAbstractProcessBlobsGeneration::getSegmentationImage() const
+{
+    return d_func()->segmentationImage;
+}
+
+int kelAbstractProcessBlobsGeneration::getMinArea() const { return d_func()->minArea; }
+
+int kelAbstractProcessBlobsGeneration::getMinDimension() const { return d_func()->minDimension; }
+
 QList<QSharedPointer<kelDataBlob>> &kelAbstractProcessBlobsGeneration::getBlobs() { return d_func()->blobs; }

@@ -5,8 +5,6 @@
 /// State of kelAbstractProcessBlobsGeneration. Installed for code that derives from it; not part of the
 /// stable interface.
 
-#include <kelCore/data/kelDataBlob.h>
-#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessBlobsGeneration.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 

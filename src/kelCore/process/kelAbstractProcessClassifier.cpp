@@ -26,6 +26,16 @@ void kelAbstractProcessClassifier::setBlobs(QList<QSharedPointer<kelDataBlob>> &
     d_func()->blobs = blobs;
 }
 
+const QSharedPointer<kelAbstractDataCalibration> &kelAbstractProcessClassifier::getCalibration() const
+{
+    return d_func()->calibration;
+}
+
+const QList<QSharedPointer<kelDataBlob>> &kelAbstractProcessClassifier::getBlobs() const
+{
+    return d_func()->blobs;
+}
+
 QList<QSharedPointer<kelDataPhysicalObject>> &kelAbstractProcessClassifier::getPhysicalObjects()
 {
     return d_func()->physicalObjects;

@@ -4,21 +4,21 @@
 /// \file
 /// Stage interface: telling what the blobs of a frame are.
 
+#include <kelCore/data/kelAbstractDataCalibration.h>
+#include <kelCore/data/kelDataBlob.h>
+#include <kelCore/data/kelDataPhysicalObject.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
 #include <QList>
 #include <QSharedPointer>
 
-class kelAbstractDataCalibration;
 class kelAbstractProcessClassifierPrivate;
-class kelDataBlob;
-class kelDataPhysicalObject;
 
 /// Turns blobs into physical objects.
 ///
 /// Call `setCalibration` once; then, per frame, `setBlobs` and `classify`. After it `getPhysicalObjects`
-/// holds one object for each blob that was recognised, with its box and type and what the calibration tells
-/// of its place and size in the scene.
+/// holds one object for each blob that was recognised, with its box in the image and its type, and with what
+/// the calibration tells of its place and size in the scene, in the units of the calibration.
 class KELCORE_EXPORT kelAbstractProcessClassifier : public kelAbstractProcess
 {
     Q_OBJECT
@@ -28,9 +28,11 @@ public:
     /// Shares the calibration and the blobs; the copy has no physical objects.
     kelAbstractProcessClassifier(const kelAbstractProcessClassifier &other);
     ~kelAbstractProcessClassifier() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessClassifier &operator=(const kelAbstractProcessClassifier &other) = default;
 
-    /// Replaces the physical objects by those found among the blobs; no blobs give no objects. False when the
-    /// stage cannot work, without a calibration for instance.
+    /// Replaces the physical objects by those found among the blobs, as new objects; no blobs give no
+    /// objects. False when the stage cannot work, without a calibration for instance.
     virtual bool classify() = 0;
 
     void setCalibration(QSharedPointer<kelAbstractDataCalibration> &calibration);
@@ -39,6 +41,11 @@ public:
     QList<QSharedPointer<kelDataPhysicalObject>> &getPhysicalObjects();
 
 protected:
+    /// Null until set.
+    const QSharedPointer<kelAbstractDataCalibration> &getCalibration() const;
+    /// The blobs to tell apart; empty until set.
+    const QList<QSharedPointer<kelDataBlob>> &getBlobs() const;
+
     explicit kelAbstractProcessClassifier(kelAbstractProcessClassifierPrivate &dd, QObject *parent = nullptr);
 
 private:

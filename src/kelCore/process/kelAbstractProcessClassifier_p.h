@@ -5,9 +5,6 @@
 /// State of kelAbstractProcessClassifier. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelAbstractDataCalibration.h>
-#include <kelCore/data/kelDataBlob.h>
-#include <kelCore/data/kelDataPhysicalObject.h>
 #include <kelCore/process/kelAbstractProcessClassifier.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 

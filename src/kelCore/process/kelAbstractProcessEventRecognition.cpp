@@ -23,7 +23,14 @@ kelAbstractProcessEventRecognition::~kelAbstractProcessEventRecognition() = defa
 
 void kelAbstractProcessEventRecognition::setActors(ActorList actors) { d_func()->actors = std::move(actors); }
 
+const ActorList &kelAbstractProcessEventRecognition::getActors() const { return d_func()->actors; }
+
 EventList kelAbstractProcessEventRecognition::getCurrentFrameEvents() { return d_func()->events; }
+
+void kelAbstractProcessEventRecognition::setCurrentFrameEvents(EventList events)
+{
+    d_func()->events = std::move(events);
+}
 
 EventList kelAbstractProcessEventRecognition::getAllFramesEvents() { return EventList(); }
 

@@ -14,8 +14,8 @@ class kelAbstractProcessEventRecognitionPrivate;
 /// Turns the actors of a frame into events.
 ///
 /// Call `setCommonFilePath`, `setParameterFile` and `init` once; then, per frame, `setActors` and
-/// `recognizeEvents`. After it `getCurrentFrameEvents` gives the events of the frame, and the two texts can
-/// be stored and sent; `getAllFramesEvents` gives those of the whole run.
+/// `recognizeEvents`, in the order of the frames. After it `getCurrentFrameEvents` gives the events of the
+/// frame, and the two texts can be stored and sent; `getAllFramesEvents` gives those of the whole run.
 class KELCORE_EXPORT kelAbstractProcessEventRecognition : public kelAbstractProcess
 {
     Q_OBJECT
@@ -25,17 +25,19 @@ public:
     /// Carries actors and events, which are shared.
     kelAbstractProcessEventRecognition(const kelAbstractProcessEventRecognition &other);
     ~kelAbstractProcessEventRecognition() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessEventRecognition &operator=(const kelAbstractProcessEventRecognition &other) = default;
 
-    /// Replaces the actors.
+    /// Replaces the actors of the frame before.
     virtual void setActors(ActorList actors);
-    /// A copy of the list of events that `recognizeEvents` filled, sharing the events.
+    /// A copy of the list of events that `recognizeEvents` gave, sharing the events.
     virtual EventList getCurrentFrameEvents();
     /// Default: none; the stage keeps no events of earlier frames by itself.
     virtual EventList getAllFramesEvents();
     /// Replaces the events by those of the actors; no actors, or nothing recognised, give none. False when
     /// the stage cannot work, for want of parameters for instance.
     virtual bool recognizeEvents() = 0;
-    /// Default: notice at level 1, nothing kept.
+    /// Reads the stage's parameters. Default: notice at level 1, nothing kept.
     virtual void setParameterFile(const std::string &file);
     /// Whether the events are to be saved as XML. Default: true.
     virtual bool getParamSaveXML1File();
@@ -51,6 +53,11 @@ public:
     virtual std::string generateEventListStreamToNotify();
 
 protected:
+    /// The actors of the current frame; empty until set.
+    const ActorList &getActors() const;
+    /// Replaces what `getCurrentFrameEvents` gives.
+    void setCurrentFrameEvents(EventList events);
+
     explicit kelAbstractProcessEventRecognition(kelAbstractProcessEventRecognitionPrivate &dd,
                                                 QObject *parent = nullptr);
 

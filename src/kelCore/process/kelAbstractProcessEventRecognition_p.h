@@ -5,8 +5,6 @@
 /// State of kelAbstractProcessEventRecognition. Installed for code that derives from it; not part of the
 /// stable interface.
 
-#include <kelCore/data/kelDataActor.h>
-#include <kelCore/data/kelDataEvent.h>
 #include <kelCore/process/kelAbstractProcessEventRecognition.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 

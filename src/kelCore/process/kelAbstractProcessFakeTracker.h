@@ -12,8 +12,9 @@ class kelAbstractProcessFakeTrackerPrivate;
 /// Stands in for a tracker: makes actors straight from the physical objects of a frame, so that the stages
 /// behind it can be run alone.
 ///
-/// Call `setPhysicalObjs`, then `getActors`, per frame. Both have defaults that log a notice at level 1;
-/// nothing is kept.
+/// Set the frame's time stamp with `setSynchronizer`, then call `setPhysicalObjs` and `getActors`, per frame.
+/// There is no operation that computes: actors are made by either. Both have defaults that log a notice at
+/// level 1; nothing is kept.
 class KELCORE_EXPORT kelAbstractProcessFakeTracker : public kelAbstractProcess
 {
     Q_OBJECT
@@ -23,7 +24,10 @@ public:
     /// Carries the base alone: there is nothing else.
     kelAbstractProcessFakeTracker(const kelAbstractProcessFakeTracker &other);
     ~kelAbstractProcessFakeTracker() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessFakeTracker &operator=(const kelAbstractProcessFakeTracker &other) = default;
 
+    /// The objects of the current frame, which stay the caller's.
     virtual void setPhysicalObjs(const PhysicalObjs &objects);
     /// The actors of the current frame. Default: notice, none. The result is const, deliberately: overrides
     /// repeat it as it stands.

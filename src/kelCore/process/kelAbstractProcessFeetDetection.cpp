@@ -18,13 +18,6 @@ kelAbstractProcessFeetDetection::kelAbstractProcessFeetDetection(kelAbstractProc
 
 kelAbstractProcessFeetDetection::~kelAbstractProcessFeetDetection() = default;
 
-kelAbstractProcessFeetDetection &
-kelAbstractProcessFeetDetection::operator=(const kelAbstractProcessFeetDetection &other)
-{
-    copy(other);
-    return *this;
-}
-
 kelAbstractProcessFeetDetection *kelAbstractProcessFeetDetection::clone()
 {
     return new kelAbstractProcessFeetDetection(*this);
@@ -33,8 +26,7 @@ kelAbstractProcessFeetDetection *kelAbstractProcessFeetDetection::clone()
 void kelAbstractProcessFeetDetection::copy(const nubAbstractObject &other)
 {
     kelAbstractProcess::copy(other);
-    if (other.identifier() != identifier())
-        nub::warnSlicing();
+    nub::sameIdentifierOrWarn(*this, other);
 }
 
 QString kelAbstractProcessFeetDetection::identifier() const

@@ -11,7 +11,6 @@
 #include <QSharedPointer>
 
 class kelAbstractProcessFrameToFrameTrackerPrivate;
-class kelDataActor;
 
 /// Turns the physical objects of successive frames into actors.
 ///
@@ -26,8 +25,12 @@ public:
     /// Carries the base alone: there is nothing else.
     kelAbstractProcessFrameToFrameTracker(const kelAbstractProcessFrameToFrameTracker &other);
     ~kelAbstractProcessFrameToFrameTracker() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessFrameToFrameTracker &
+    operator=(const kelAbstractProcessFrameToFrameTracker &other) = default;
 
-    /// The objects of the current frame.
+    /// The objects of the current frame, which stay the caller's: a stage copies what it needs by `push_back`
+    /// or construction, because assigning physical objects prints a line for each.
     virtual void setPhysicalObjects(const PhysicalObjs &objects) = 0;
     /// Matches the objects with those of the frame before: known actors get their new position, objects that
     /// match none become new actors. False when the frame cannot be matched; the actors then stay as they

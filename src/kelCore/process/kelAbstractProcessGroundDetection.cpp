@@ -1,8 +1,6 @@
 #include <kelCore/process/kelAbstractProcessGroundDetection.h>
 #include <kelCore/process/kelAbstractProcessGroundDetection_p.h>
 
-#include <kelCore/data/kelAbstractDataCalibrationWithDepth.h>
-
 #include <nubCore/nubNotice.h>
 
 kelAbstractProcessGroundDetection::kelAbstractProcessGroundDetection()
@@ -21,13 +19,6 @@ kelAbstractProcessGroundDetection::kelAbstractProcessGroundDetection(
 
 kelAbstractProcessGroundDetection::~kelAbstractProcessGroundDetection() = default;
 
-kelAbstractProcessGroundDetection &
-kelAbstractProcessGroundDetection::operator=(const kelAbstractProcessGroundDetection &other)
-{
-    copy(other);
-    return *this;
-}
-
 kelAbstractProcessGroundDetection *kelAbstractProcessGroundDetection::clone()
 {
     return new kelAbstractProcessGroundDetection(*this);
@@ -36,8 +27,7 @@ kelAbstractProcessGroundDetection *kelAbstractProcessGroundDetection::clone()
 void kelAbstractProcessGroundDetection::copy(const nubAbstractObject &other)
 {
     kelAbstractProcess::copy(other);
-    if (other.identifier() != identifier())
-        nub::warnSlicing();
+    nub::sameIdentifierOrWarn(*this, other);
 }
 
 QString kelAbstractProcessGroundDetection::identifier() const

@@ -44,3 +44,23 @@ void kelAbstractProcessGroupTracker::setContext(QSharedPointer<kelDataContext> &
 {
     d_func()->context = context;
 }
+
+const QSharedPointer<kelAbstractDataCalibration> &kelAbstractProcessGroupTracker::getCalibration() const
+{
+    return d_func()->calibration;
+}
+
+const QSharedPointer<kelDataContext> &kelAbstractProcessGroupTracker::getContext() const
+{
+    return d_func()->context;
+}
+
+const QSharedPointer<kelDataImage> &kelAbstractProcessGroupTracker::getFrame() const
+{
+    return d_func()->frame;
+}
+
+const std::string &kelAbstractProcessGroupTracker::getParameterFile() const
+{
+    return d_func()->parameterFile;
+}

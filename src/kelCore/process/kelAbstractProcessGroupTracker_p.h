@@ -5,10 +5,6 @@
 /// State of kelAbstractProcessGroupTracker. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelAbstractDataCalibration.h>
-#include <kelCore/data/kelDataActor.h>
-#include <kelCore/data/kelDataContext.h>
-#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessGroupTracker.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 
@@ -19,7 +15,7 @@ public:
     QSharedPointer<kelDataContext> context; ///< Input.
     QList<QSharedPointer<kelDataActor>> actors; ///< Input and output.
     QSharedPointer<kelDataImage> frame; ///< Input.
-    std::string parameterFile;
+    std::string parameterFile; ///< Input: a path.
 };
 
 #endif

@@ -3,6 +3,8 @@
 
 #include <nubCore/nubNotice.h>
 
+#include <utility>
+
 kelAbstractProcessJsonGenerator::kelAbstractProcessJsonGenerator()
     : kelAbstractProcess(*new kelAbstractProcessJsonGeneratorPrivate)
 { }
@@ -18,13 +20,6 @@ kelAbstractProcessJsonGenerator::kelAbstractProcessJsonGenerator(kelAbstractProc
 
 kelAbstractProcessJsonGenerator::~kelAbstractProcessJsonGenerator() = default;
 
-kelAbstractProcessJsonGenerator &
-kelAbstractProcessJsonGenerator::operator=(const kelAbstractProcessJsonGenerator &other)
-{
-    copy(other);
-    return *this;
-}
-
 kelAbstractProcessJsonGenerator *kelAbstractProcessJsonGenerator::clone()
 {
     return new kelAbstractProcessJsonGenerator(*this);
@@ -33,8 +28,7 @@ kelAbstractProcessJsonGenerator *kelAbstractProcessJsonGenerator::clone()
 void kelAbstractProcessJsonGenerator::copy(const nubAbstractObject &other)
 {
     kelAbstractProcess::copy(other);
-    if (other.identifier() != identifier())
-        nub::warnSlicing();
+    nub::sameIdentifierOrWarn(*this, other);
 }
 
 QString kelAbstractProcessJsonGenerator::identifier() const
@@ -71,3 +65,11 @@ std::string kelAbstractProcessJsonGenerator::generateJsonString()
     return nub::defaultBody<std::string>(
         this, "virtual std::string kelAbstractProcessJsonGenerator::generateJsonString()");
 }
+
+const ActorList &kelAbstractProcessJsonGenerator::getActors() const { return d_func()->actors; }
+
+const EventList &kelAbstractProcessJsonGenerator::getEvents() const { return d_func()->events; }
+
+void kelAbstractProcessJsonGenerator::keepActors(ActorList actors) { d_func()->actors = std::move(actors); }
+
+void kelAbstractProcessJsonGenerator::keepEvents(EventList events) { d_func()->events = std::move(events); }

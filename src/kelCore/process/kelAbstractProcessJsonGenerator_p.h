@@ -5,8 +5,6 @@
 /// State of kelAbstractProcessJsonGenerator. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelDataActor.h>
-#include <kelCore/data/kelDataEvent.h>
 #include <kelCore/process/kelAbstractProcessJsonGenerator.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 
@@ -19,8 +17,8 @@ public:
         : kelAbstractProcessPrivate(other)
     { }
 
-    ActorList actors; ///< Input, for stages that override `setActors`.
-    EventList events; ///< Input, for stages that override `setEvents`.
+    ActorList actors; ///< Input: what `keepActors` was given.
+    EventList events; ///< Input: what `keepEvents` was given.
 };
 
 #endif

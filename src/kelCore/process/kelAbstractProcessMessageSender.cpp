@@ -18,13 +18,6 @@ kelAbstractProcessMessageSender::kelAbstractProcessMessageSender(kelAbstractProc
 
 kelAbstractProcessMessageSender::~kelAbstractProcessMessageSender() = default;
 
-kelAbstractProcessMessageSender &
-kelAbstractProcessMessageSender::operator=(const kelAbstractProcessMessageSender &other)
-{
-    copy(other);
-    return *this;
-}
-
 kelAbstractProcessMessageSender *kelAbstractProcessMessageSender::clone()
 {
     return new kelAbstractProcessMessageSender(*this);
@@ -33,8 +26,7 @@ kelAbstractProcessMessageSender *kelAbstractProcessMessageSender::clone()
 void kelAbstractProcessMessageSender::copy(const nubAbstractObject &other)
 {
     kelAbstractProcess::copy(other);
-    if (other.identifier() != identifier())
-        nub::warnSlicing();
+    nub::sameIdentifierOrWarn(*this, other);
 }
 
 QString kelAbstractProcessMessageSender::identifier() const

@@ -12,8 +12,8 @@ class kelAbstractProcessMessageSenderPrivate;
 
 /// Sends texts, a frame's JSON for instance, to whoever listens.
 ///
-/// Call `setParameterFile` once, then `sendMsg` per message. Both have defaults that log a notice at level 1;
-/// nothing is sent.
+/// Call `setParameterFile` once, then `sendMsg` per message, which reports no failure. Both have defaults
+/// that log a notice at level 1; nothing is sent.
 class KELCORE_EXPORT kelAbstractProcessMessageSender : public kelAbstractProcess
 {
     Q_OBJECT
@@ -24,9 +24,9 @@ public:
     kelAbstractProcessMessageSender(const kelAbstractProcessMessageSender &other);
     ~kelAbstractProcessMessageSender() override;
     /// Calls the virtual `copy`.
-    kelAbstractProcessMessageSender &operator=(const kelAbstractProcessMessageSender &other);
+    kelAbstractProcessMessageSender &operator=(const kelAbstractProcessMessageSender &other) = default;
 
-    /// Made by the copy constructor; the caller owns it.
+    /// Made by the copy constructor; the caller owns it. A derived stage overrides it, and `identifier`.
     kelAbstractProcessMessageSender *clone() override;
     /// Copies what the framework copies. Logs the slicing warning when `other` is of another kind.
     void copy(const nubAbstractObject &other) override;
@@ -34,6 +34,7 @@ public:
 
     /// Reads where to send to; false when the file says nothing usable. Default: notice, false.
     virtual bool setParameterFile(std::string file);
+    /// Sends a text, UTF-8, or leaves it to be sent. Default: notice, nothing is sent.
     virtual void sendMsg(std::string message);
 
 protected:

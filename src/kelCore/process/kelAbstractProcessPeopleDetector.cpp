@@ -16,3 +16,10 @@ kelAbstractProcessPeopleDetector::kelAbstractProcessPeopleDetector(
 { }
 
 kelAbstractProcessPeopleDetector::~kelAbstractProcessPeopleDetector() = default;
+
+const kelDataImage &kelAbstractProcessPeopleDetector::getImage() const { return d_func()->image; }
+
+void kelAbstractProcessPeopleDetector::keepImage(const kelDataImage &image)
+{
+    d_func()->image.setImage(image.getImage()); // an assignment would refuse images of derived classes
+}

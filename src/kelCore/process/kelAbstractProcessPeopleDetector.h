@@ -4,11 +4,11 @@
 /// \file
 /// Stage interface: finding people in a frame by their looks.
 
+#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcess.h>
 #include <kelCore/process/kelProcessTypes.h>
 
 class kelAbstractProcessPeopleDetectorPrivate;
-class kelDataImage;
 
 /// Turns a colour frame into people.
 ///
@@ -22,15 +22,23 @@ public:
     /// Carries the base alone: the copy has an empty image of its own.
     kelAbstractProcessPeopleDetector(const kelAbstractProcessPeopleDetector &other);
     ~kelAbstractProcessPeopleDetector() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessPeopleDetector &operator=(const kelAbstractProcessPeopleDetector &other) = default;
 
-    /// Keeps the frame; its pixels are shared.
+    /// The frame to search. A stage keeps it, through `keepImage`, or what it makes of it.
     virtual void setImage(const kelDataImage &image) = 0;
-    /// Replaces the contents of `people` by the people of the frame; false when there is no frame to search.
+    /// Replaces the contents of `people` by the people of the frame, with their boxes in the image; nobody
+    /// there gives none. False when there is no frame to search.
     ///
     /// Clear the list and append to it: assigning physical objects prints a line for each.
     virtual bool detectPeople(PhysicalObjs &people) = 0;
 
 protected:
+    /// What `keepImage` kept; without pixels until then.
+    const kelDataImage &getImage() const;
+    /// Replaces the pixels that `getImage` gives by those of `image`, shared.
+    void keepImage(const kelDataImage &image);
+
     explicit kelAbstractProcessPeopleDetector(kelAbstractProcessPeopleDetectorPrivate &dd,
                                               QObject *parent = nullptr);
 

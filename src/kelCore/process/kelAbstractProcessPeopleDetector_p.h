@@ -5,7 +5,6 @@
 /// State of kelAbstractProcessPeopleDetector. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessPeopleDetector.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 

@@ -34,3 +34,20 @@ QList<QSharedPointer<kelDataActor>> kelAbstractProcessReAcquisition::getActors()
 {
     return d_func()->outputActors;
 }
+
+const QSharedPointer<kelDataImage> &kelAbstractProcessReAcquisition::getImage() const
+{
+    return d_func()->image;
+}
+
+const std::string &kelAbstractProcessReAcquisition::getMTSPath() const { return d_func()->mtsPath; }
+
+const QList<QSharedPointer<kelDataActor>> &kelAbstractProcessReAcquisition::getInputActors() const
+{
+    return d_func()->inputActors;
+}
+
+void kelAbstractProcessReAcquisition::setOutputActors(QList<QSharedPointer<kelDataActor>> actors)
+{
+    d_func()->outputActors = std::move(actors);
+}

@@ -4,6 +4,8 @@
 /// \file
 /// Stage interface: knowing people again.
 
+#include <kelCore/data/kelDataActor.h>
+#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
 #include <QList>
@@ -12,8 +14,6 @@
 #include <string>
 
 class kelAbstractProcessReAcquisitionPrivate;
-class kelDataActor;
-class kelDataImage;
 
 /// Finds out which actors have been seen before, and gives them back their identity.
 ///
@@ -28,13 +28,17 @@ public:
     /// Shares the image and the actors set; the copy has no path and no actors to give.
     kelAbstractProcessReAcquisition(const kelAbstractProcessReAcquisition &other);
     ~kelAbstractProcessReAcquisition() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessReAcquisition &operator=(const kelAbstractProcessReAcquisition &other) = default;
 
     /// Replaces the actors that `getActors` gives; no actors set give none. False when the stage cannot work,
     /// without an image for instance.
     virtual bool reAcquire() = 0;
 
+    /// The frame that the actors stand in.
     void setImage(QSharedPointer<kelDataImage> image);
-    /// Path of what the stage knows people by.
+    /// Path of the file or folder that holds what the stage knows people by; what is there is the stage's to
+    /// say.
     void setMTSPath(std::string path);
     /// Replaces the actors that go in.
     void setActors(QList<QSharedPointer<kelDataActor>> actors);
@@ -43,6 +47,15 @@ public:
     QList<QSharedPointer<kelDataActor>> getActors();
 
 protected:
+    /// Null until set.
+    const QSharedPointer<kelDataImage> &getImage() const;
+    /// Empty until set.
+    const std::string &getMTSPath() const;
+    /// The actors that `setActors` was given.
+    const QList<QSharedPointer<kelDataActor>> &getInputActors() const;
+    /// Replaces the actors that `getActors` gives.
+    void setOutputActors(QList<QSharedPointer<kelDataActor>> actors);
+
     explicit kelAbstractProcessReAcquisition(kelAbstractProcessReAcquisitionPrivate &dd,
                                              QObject *parent = nullptr);
 

@@ -5,8 +5,6 @@
 /// State of kelAbstractProcessReAcquisition. Installed for code that derives from it; not part of the stable
 /// interface.
 
-#include <kelCore/data/kelDataActor.h>
-#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessReAcquisition.h>
 #include <kelCore/process/kelAbstractProcess_p.h>
 
@@ -21,7 +19,7 @@ public:
 
     QSharedPointer<kelDataImage> image; ///< Input.
     QList<QSharedPointer<kelDataActor>> inputActors; ///< Input.
-    std::string mtsPath;
+    std::string mtsPath; ///< Input.
     QList<QSharedPointer<kelDataActor>> outputActors; ///< Output.
 };
 

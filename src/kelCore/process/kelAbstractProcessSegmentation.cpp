@@ -21,6 +21,11 @@ void kelAbstractProcessSegmentation::setAcquisitionImage(QSharedPointer<kelDataI
     d_func()->acquisitionImage = image;
 }
 
+const QSharedPointer<kelDataImage> &kelAbstractProcessSegmentation::getAcquisitionImage() const
+{
+    return d_func()->acquisitionImage;
+}
+
 QSharedPointer<kelDataImage> &kelAbstractProcessSegmentation::getSegmentationImage()
 {
     return d_func()->segmentationImage;

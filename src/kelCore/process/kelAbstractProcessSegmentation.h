@@ -4,17 +4,18 @@
 /// \file
 /// Stage interface: telling foreground from background.
 
+#include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
 #include <QSharedPointer>
 
 class kelAbstractProcessSegmentationPrivate;
-class kelDataImage;
 
 /// Turns a colour frame into a foreground mask.
 ///
-/// Call `setAcquisitionImage`, then `segment`; after it `getSegmentationImage` holds a one-channel 8-bit mask
-/// of the frame's size, 255 where there is foreground and 0 elsewhere.
+/// Call `setAcquisitionImage`, then `segment`, per frame and in the order of the frames: most stages learn
+/// what the background looks like. After it `getSegmentationImage` holds a one-channel 8-bit mask of the
+/// frame's size, 255 where there is foreground and 0 elsewhere.
 class KELCORE_EXPORT kelAbstractProcessSegmentation : public kelAbstractProcess
 {
     Q_OBJECT
@@ -24,8 +25,11 @@ public:
     /// Shares both images.
     kelAbstractProcessSegmentation(const kelAbstractProcessSegmentation &other);
     ~kelAbstractProcessSegmentation() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessSegmentation &operator=(const kelAbstractProcessSegmentation &other) = default;
 
-    /// Segments the acquisition image into the segmentation image; false when there is nothing to segment.
+    /// Segments the acquisition image into the segmentation image, which is a new object: whoever holds the
+    /// last mask keeps it. False when there is nothing to segment: no image, or one without pixels.
     virtual bool segment() = 0;
 
     void setAcquisitionImage(QSharedPointer<kelDataImage> &image);
@@ -33,6 +37,9 @@ public:
     QSharedPointer<kelDataImage> &getSegmentationImage();
 
 protected:
+    /// The frame to segment; null until set.
+    const QSharedPointer<kelDataImage> &getAcquisitionImage() const;
+
     explicit kelAbstractProcessSegmentation(kelAbstractProcessSegmentationPrivate &dd,
                                             QObject *parent = nullptr);
 

@@ -45,3 +45,18 @@ QList<QSharedPointer<kelDataActor>> kelAbstractProcessXMLReaderWriter::getActorL
 {
     return d_func()->actors;
 }
+
+const QDomDocument &kelAbstractProcessXMLReaderWriter::getDocument() const { return d_func()->document; }
+
+const std::string &kelAbstractProcessXMLReaderWriter::getOutputXML() const { return d_func()->outputXML; }
+
+void kelAbstractProcessXMLReaderWriter::setPhysicalObjectList(
+    QList<QSharedPointer<kelDataPhysicalObject>> objects)
+{
+    d_func()->physicalObjects = std::move(objects);
+}
+
+void kelAbstractProcessXMLReaderWriter::setActorList(QList<QSharedPointer<kelDataActor>> actors)
+{
+    d_func()->actors = std::move(actors);
+}

@@ -4,16 +4,17 @@
 /// \file
 /// Stage interface: reading and writing scene descriptions in XML.
 
+#include <kelCore/data/kelDataActor.h>
+#include <kelCore/data/kelDataPhysicalObject.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
+#include <QDomDocument>
 #include <QList>
 #include <QSharedPointer>
 
 #include <string>
 
 class kelAbstractProcessXMLReaderWriterPrivate;
-class kelDataActor;
-class kelDataPhysicalObject;
 
 /// Turns an XML document into physical objects and actors, and these into an XML document.
 ///
@@ -29,6 +30,8 @@ public:
     /// Carries the document, whose nodes are shared, and the output path; the copy's lists are empty.
     kelAbstractProcessXMLReaderWriter(const kelAbstractProcessXMLReaderWriter &other);
     ~kelAbstractProcessXMLReaderWriter() override;
+    /// Calls the virtual `copy`.
+    kelAbstractProcessXMLReaderWriter &operator=(const kelAbstractProcessXMLReaderWriter &other) = default;
 
     /// Replaces the physical objects by those of the document; false when the document does not hold what it
     /// should, as one that could not be loaded.
@@ -52,6 +55,15 @@ public:
     QList<QSharedPointer<kelDataActor>> getActorList();
 
 protected:
+    /// The input; empty when there is none, or it could not be loaded.
+    const QDomDocument &getDocument() const;
+    /// A path; empty until set.
+    const std::string &getOutputXML() const;
+    /// Replaces what `getPhysicalObjectList` gives.
+    void setPhysicalObjectList(QList<QSharedPointer<kelDataPhysicalObject>> objects);
+    /// Replaces what `getActorList` gives.
+    void setActorList(QList<QSharedPointer<kelDataActor>> actors);
+
     explicit kelAbstractProcessXMLReaderWriter(kelAbstractProcessXMLReaderWriterPrivate &dd,
                                                QObject *parent = nullptr);
 

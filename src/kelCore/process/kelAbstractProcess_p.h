@@ -4,7 +4,6 @@
 /// \file
 /// State of kelAbstractProcess. Installed for code that derives from it; not part of the stable interface.
 
-#include <kelCore/data/CSynchronizer.h>
 #include <kelCore/process/kelAbstractProcess.h>
 #include <nubCore/nubAbstractProcess_p.h>
 
