@@ -145,10 +145,10 @@ double kelAbstractDataCalibration::compute_3d_height(cv::Point2i pixel, double h
 cv::Point3d kelAbstractDataCalibration::imageToWorld(cv::Point2d pixel, double height) const
 {
     Q_D(const kelAbstractDataCalibration);
-    const auto point = kelGeometry::imageToWorld(d->intrinsicMatrix, d->extrinsicMatrix, pixel, height);
-    if (!point)
+    cv::Point3d point;
+    if (!kelGeometry::imageToWorld(d->intrinsicMatrix, d->extrinsicMatrix, pixel, height, point))
         throw int(-1);
-    return *point;
+    return point;
 }
 
 cv::Point2d kelAbstractDataCalibration::worldToImage(cv::Point3d point) const

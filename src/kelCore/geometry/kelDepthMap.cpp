@@ -105,11 +105,6 @@ kelGeometry::DepthFile read(std::ifstream &file, cv::Mat &map)
 
 } // namespace
 
-float kelGeometry::depthAt(const cv::Mat &map, double u, double v)
-{
-    return holdsDepth(map) ? map.ptr<float>(static_cast<int>(v))[static_cast<int>(u)] : 0.0f;
-}
-
 kelGeometry::DepthFile kelGeometry::readDepthFile(const std::string &path, cv::Mat &map)
 {
     std::ifstream file(path, std::ios::binary);

@@ -15,7 +15,11 @@ namespace kelGeometry {
 /// Depth of the pixel in column (int) u and row (int) v of a map of 32-bit floats, in the units of the map; 0
 /// means none. The pixel must be inside the map: this is not checked. A map of another type has no depth
 /// anywhere.
-KELCORE_EXPORT float depthAt(const cv::Mat &map, double u, double v);
+inline float depthAt(const cv::Mat &map, double u, double v)
+{
+    const bool holdsDepth = map.dims <= 2 && map.type() == CV_32FC1;
+    return holdsDepth ? map.ptr<float>(static_cast<int>(v))[static_cast<int>(u)] : 0.0f;
+}
 
 /// What came of reading a depth file.
 enum class DepthFile

@@ -17,15 +17,15 @@ double depthOf(const double *row, const cv::Point3d &p)
 std::optional<cv::Point3d> kelGeometry::groundPoint(const cv::Mat &K, const cv::Mat &E,
                                                     const cv::Point2d &pixel)
 {
-    const auto point = imageToWorld(K, E, pixel, 0);
-    if (!point)
+    cv::Point3d point;
+    if (!imageToWorld(K, E, pixel, 0, point))
         return std::nullopt;
     double row[4] = {}; // of P, added up as the matrix product does
     for (int i = 0; i < 4; ++i) {
         for (int c = 0; c < 4; ++c)
             row[c] += K.ptr<double>(2)[i] * E.ptr<double>(i)[c];
     }
-    return depthOf(row, *point) > 0 ? point : std::nullopt;
+    return depthOf(row, point) > 0 ? std::optional(point) : std::nullopt;
 }
 
 std::optional<cv::Point3d> kelGeometry::footPoint(const cv::Mat &K, const cv::Mat &E, const cv::Rect &box)

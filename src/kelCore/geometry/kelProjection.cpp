@@ -56,8 +56,8 @@ struct Projection
     Pair column(int c) const { return Pair{rows[0][c], rows[1][c]}; }
 };
 
-KEL_ROW_FUNCTION std::optional<cv::Point3d> backProject(const cv::Mat &K, const cv::Mat &E, double u,
-                                                        double v, double height)
+KEL_ROW_FUNCTION bool backProject(const cv::Mat &K, const cv::Mat &E, double u, double v, double height,
+                                  cv::Point3d &point)
 {
     const Projection P(K, E);
     const Pair pixel{u, v};
@@ -72,13 +72,14 @@ KEL_ROW_FUNCTION std::optional<cv::Point3d> backProject(const cv::Mat &K, const 
     const Pair slopes = antidiagonal * third - diagonal * swapped(third); // of D, in v and in u
     const double D = slopes[1] * u + slopes[0] * v + P(0, 0) * P(1, 1) - P(0, 1) * P(1, 0);
     if (D == 0.0)
-        return std::nullopt;
+        return false;
 
     const Pair leftDiagonal = pixel * third - diagonal;
     const Pair leftAntidiagonal = pixel * swapped(third) - antidiagonal;
     const Pair right = P.column(2) * height + P.column(3) - pixel * (P(2, 2) * height + P(2, 3));
     const Pair ground = (swapped(leftDiagonal) * right - leftAntidiagonal * swapped(right)) / D;
-    return cv::Point3d(ground[0], ground[1], height);
+    point = cv::Point3d(ground[0], ground[1], height);
+    return true;
 }
 
 KEL_ROW_FUNCTION cv::Point2d project(const cv::Mat &K, const cv::Mat &E, double X, double Y, double Z)
@@ -89,21 +90,6 @@ KEL_ROW_FUNCTION cv::Point2d project(const cv::Mat &K, const cv::Mat &E, double 
     return cv::Point2d(pixel[0], pixel[1]);
 }
 
-/// What the camera's own frame takes from K.
-struct Pinhole
-{
-    double fx, cx, fy, cy;
-
-    explicit Pinhole(const cv::Mat &K)
-    {
-        CV_Assert(K.dims == 2 && K.type() == CV_64FC1 && K.rows >= 2 && K.cols >= 3);
-        fx = K.ptr<double>(0)[0];
-        cx = K.ptr<double>(0)[2];
-        fy = K.ptr<double>(1)[1];
-        cy = K.ptr<double>(1)[2];
-    }
-};
-
 } // namespace
 
 cv::Point2d kelGeometry::worldToImage(const cv::Mat &K, const cv::Mat &E, const cv::Point3d &point)
@@ -111,10 +97,10 @@ cv::Point2d kelGeometry::worldToImage(const cv::Mat &K, const cv::Mat &E, const 
     return project(K, E, point.x, point.y, point.z);
 }
 
-std::optional<cv::Point3d> kelGeometry::imageToWorld(const cv::Mat &K, const cv::Mat &E,
-                                                     const cv::Point2d &pixel, double height)
+bool kelGeometry::imageToWorld(const cv::Mat &K, const cv::Mat &E, const cv::Point2d &pixel, double height,
+                               cv::Point3d &point)
 {
-    return backProject(K, E, pixel.x, pixel.y, height);
+    return backProject(K, E, pixel.x, pixel.y, height, point);
 }
 
 cv::Point3d kelGeometry::cameraCentre(const cv::Mat &E)
@@ -123,20 +109,4 @@ cv::Point3d kelGeometry::cameraCentre(const cv::Mat &E)
     cv::Matx44d pose;
     cv::invert(E, pose, cv::DECOMP_LU);
     return cv::Point3d(pose(0, 3), pose(1, 3), pose(2, 3));
-}
-
-cv::Point2d kelGeometry::cameraToImage(const cv::Mat &K, const cv::Point3d &point)
-{
-    const Pinhole k(K);
-    if (point.z == 0.0)
-        return cv::Point2d(k.cx, k.cy);
-    return cv::Point2d(k.fx * point.x / point.z + k.cx, k.fy * point.y / point.z + k.cy);
-}
-
-cv::Point3d kelGeometry::imageToCamera(const cv::Mat &K, const cv::Point2d &pixel, double depth)
-{
-    if (depth == 0.0)
-        return cv::Point3d(0, 0, 0);
-    const Pinhole k(K);
-    return cv::Point3d((pixel.x - k.cx) * (depth / k.fx), (pixel.y - k.cy) * (depth / k.fy), depth);
 }

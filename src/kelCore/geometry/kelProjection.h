@@ -9,8 +9,6 @@
 #include <opencv2/core/mat.hpp>
 #include <opencv2/core/types.hpp>
 
-#include <optional>
-
 namespace kelGeometry {
 
 // The world and the image.
@@ -31,10 +29,11 @@ namespace kelGeometry {
 /// Projection of a world point; infinite or not-a-number for a point in the camera's own plane.
 KELCORE_EXPORT cv::Point2d worldToImage(const cv::Mat &K, const cv::Mat &E, const cv::Point3d &point);
 
-/// The point (X, Y, `height`) whose projection is `pixel`; none when the viewing ray is parallel to the plane
-/// of that height. For a pixel above the horizon it lies behind the camera: see groundPoint.
-KELCORE_EXPORT std::optional<cv::Point3d> imageToWorld(const cv::Mat &K, const cv::Mat &E,
-                                                       const cv::Point2d &pixel, double height);
+/// Back-projection: sets `point` to the point (X, Y, `height`) whose projection is `pixel`. False, and `point`
+/// as it was, when the viewing ray is parallel to the plane of that height. For a pixel above the horizon the
+/// point lies behind the camera: see groundPoint.
+[[nodiscard]] KELCORE_EXPORT bool imageToWorld(const cv::Mat &K, const cv::Mat &E, const cv::Point2d &pixel,
+                                               double height, cv::Point3d &point);
 
 /// The camera's centre in the world: the translation column of the inverse of E, zero for a singular E.
 KELCORE_EXPORT cv::Point3d cameraCentre(const cv::Mat &E);
@@ -47,11 +46,38 @@ KELCORE_EXPORT cv::Point3d cameraCentre(const cv::Mat &E);
 //
 // K must hold doubles, in two rows and three columns at least, or cv::Exception is thrown.
 
+/// The four elements.
+struct Pinhole
+{
+    double fx, cx, fy, cy;
+
+    explicit Pinhole(const cv::Mat &K)
+    {
+        CV_Assert(K.dims == 2 && K.type() == CV_64FC1 && K.rows >= 2 && K.cols >= 3);
+        fx = K.ptr<double>(0)[0];
+        cx = K.ptr<double>(0)[2];
+        fy = K.ptr<double>(1)[1];
+        cy = K.ptr<double>(1)[2];
+    }
+};
+
 /// The pixel that shows a point; (cx, cy) for a point with Z = 0.
-KELCORE_EXPORT cv::Point2d cameraToImage(const cv::Mat &K, const cv::Point3d &point);
+inline cv::Point2d cameraToImage(const cv::Mat &K, const cv::Point3d &point)
+{
+    const Pinhole k(K);
+    if (point.z == 0.0)
+        return cv::Point2d(k.cx, k.cy);
+    return cv::Point2d(k.fx * point.x / point.z + k.cx, k.fy * point.y / point.z + k.cy);
+}
 
 /// The point that a pixel shows at that depth Z. Depth 0 means none and gives (0, 0, 0), whatever K is.
-KELCORE_EXPORT cv::Point3d imageToCamera(const cv::Mat &K, const cv::Point2d &pixel, double depth);
+inline cv::Point3d imageToCamera(const cv::Mat &K, const cv::Point2d &pixel, double depth)
+{
+    if (depth == 0.0)
+        return cv::Point3d(0, 0, 0);
+    const Pinhole k(K);
+    return cv::Point3d((pixel.x - k.cx) * (depth / k.fx), (pixel.y - k.cy) * (depth / k.fy), depth);
+}
 
 } // namespace kelGeometry
 
