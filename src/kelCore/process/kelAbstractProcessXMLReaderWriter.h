@@ -4,6 +4,8 @@
 /// \file
 /// Stage interface: reading and writing scene descriptions in XML.
 
+#include <kelCore/data/kelDataActor.h>
+#include <kelCore/data/kelDataPhysicalObject.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
 #include <QList>
@@ -12,8 +14,6 @@
 #include <string>
 
 class kelAbstractProcessXMLReaderWriterPrivate;
-class kelDataActor;
-class kelDataPhysicalObject;
 
 /// Turns an XML document into physical objects and actors, and these into an XML document.
 ///
