@@ -6,7 +6,7 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/process/kelAbstractProcessDataWriter.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <fcntl.h>
 #include <unistd.h>

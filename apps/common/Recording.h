@@ -5,7 +5,7 @@
 /// A recorded run on disk, read in time linear in its length.
 
 #include <kelCore/data/CSynchronizer.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <opencv2/core/types.hpp>
 

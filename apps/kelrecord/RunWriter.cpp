@@ -5,7 +5,7 @@
 
 #include <kelCore/data/kelAbstractData.h>
 #include <kelCore/process/kelAbstractProcessDataFlowWriter.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDir>
 #include <QFile>

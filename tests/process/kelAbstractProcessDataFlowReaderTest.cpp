@@ -3,7 +3,7 @@
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessDataFlowReader.h>
 #include <kelCore/process/kelAbstractProcessDataFlowWriter.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include "support/Capture.h"
 #include "support/TemporaryFolder.h"

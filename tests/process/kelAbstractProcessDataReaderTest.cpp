@@ -1,7 +1,7 @@
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessDataReader.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include "support/Capture.h"
 

@@ -2,7 +2,7 @@
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessDataReader.h>
 #include <kelCore/process/kelAbstractProcessDataWriter.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include "support/Capture.h"
 #include "support/ChildProcess.h"

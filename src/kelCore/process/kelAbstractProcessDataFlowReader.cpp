@@ -1,13 +1,18 @@
 #include <kelCore/process/kelAbstractProcessDataFlowReader.h>
 #include <kelCore/process/kelAbstractProcessDataFlowReader_p.h>
 
-#include <kelCore/process/kelDataFlowReading_p.h>
-#include <kelCore/process/kelDataFlowRecord.h>
-#include <kelCore/process/kelDebugLine_p.h>
+#include <kelCore/process/internal/kelRecordedObject.h>
+#include <kelCore/recording/internal/kelDebugLine.h>
+#include <kelCore/recording/internal/kelDocumentText.h>
+#include <kelCore/recording/internal/kelRecordReader.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDataStream>
 #include <QDomDocument>
+#include <QFileInfo>
 #include <QTime>
+
+#include <utility>
 
 using kelDataFlow::debugLine;
 using kelDataFlow::quoted;
@@ -45,32 +50,40 @@ void readFrame(const QDomElement &frame, kelAbstractProcessDataReader &reader,
 /// Larger files of records are read through a stream, at half the speed: a byte array may not hold them.
 constexpr qint64 largestInMemory = 1 << 30;
 
-/// Rebuilds every object of a file of records.
+/// Objects that nobody owns yet: an exception of an application's stream operator leaves none behind.
+class NewObjects
+{
+public:
+    NewObjects() = default;
+    ~NewObjects() { qDeleteAll(m_list); }
+    Q_DISABLE_COPY(NewObjects)
+
+    void append(kelAbstractData *object) { m_list.append(object); }
+    QList<kelAbstractData *> take() { return std::exchange(m_list, {}); }
+
+private:
+    QList<kelAbstractData *> m_list;
+};
+
+/// Rebuilds every object of a file of records. What is cut off or foreign is read as far as it goes.
 QList<kelAbstractData *> readRecords(const QString &path, kelAbstractProcessDataReader &reader)
 {
-    QList<kelAbstractData *> objects;
+    NewObjects objects;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return objects;
-    const auto readThrough = [&](QDataStream &&in) {
+        return {};
+    if (file.size() > largestInMemory) {
+        QDataStream in(&file);
         while (!in.atEnd())
             objects.append(reader.readData(in));
-    };
-    if (file.size() > largestInMemory) {
-        readThrough(QDataStream(&file));
-        return objects;
+        return objects.take();
     }
-
     const QByteArray bytes = file.readAll();
+    kelRecordReader records(bytes.constData(), bytes.size());
     kelDataFlowRecord record;
-    qint64 at = 0;
-    while (const qint64 used = record.decode(bytes.constData() + at, bytes.size() - at)) {
-        objects.append(kelDataFlow::rebuild(record));
-        at += used;
-    }
-    // What is left is cut off or foreign: it is read as far as it goes.
-    readThrough(QDataStream(bytes.mid(static_cast<int>(at))));
-    return objects;
+    while (!records.atEnd())
+        objects.append(kelReadRecordedObject(records, record));
+    return objects.take();
 }
 
 } // namespace
@@ -86,13 +99,26 @@ kelAbstractProcessDataFlowReader::kelAbstractProcessDataFlowReader(
     : kelAbstractProcess(*new kelAbstractProcessDataFlowReaderPrivate(*other.d_func()), other.parent())
 { }
 
+kelAbstractProcessDataFlowReader::kelAbstractProcessDataFlowReader(
+    kelAbstractProcessDataFlowReaderPrivate &dd, QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
 kelAbstractProcessDataFlowReader::~kelAbstractProcessDataFlowReader() = default;
+
+kelAbstractProcessDataFlowReader &
+kelAbstractProcessDataFlowReader::operator=(const kelAbstractProcessDataFlowReader &other)
+{
+    copy(other);
+    return *this;
+}
 
 bool kelAbstractProcessDataFlowReader::setFile(const QString &fileName)
 {
     Q_D(kelAbstractProcessDataFlowReader);
     d->file.setFileName(fileName);
-    if (d->file.exists())
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isDir())
         return true;
     debugLine("\n error xml file !exist ");
     return false;
@@ -119,7 +145,7 @@ bool kelAbstractProcessDataFlowReader::getDataFlow(QList<kelAbstractData *> &obj
     const QDomElement root = document.documentElement();
     for (QDomElement frame = root.firstChildElement(); !frame.isNull(); frame = frame.nextSiblingElement())
         if (number(frame, "frameNumber") == frameNumber)
-            readFrame(frame, d->dataReader, objects);
+            readFrame(frame, *d->dataReader, objects);
     return true;
 }
 
@@ -128,13 +154,13 @@ QList<kelAbstractData *> kelAbstractProcessDataFlowReader::getDataFlow_fromBin()
     Q_D(kelAbstractProcessDataFlowReader);
     const QString path = d->dir + d->file.fileName();
     debugLine(quoted(QStringLiteral("/n filename absolute: ") + path)); // a slash and an n: no line break
-    return readRecords(path, d->dataReader);
+    return readRecords(path, *d->dataReader);
 }
 
 QList<kelAbstractData *> kelAbstractProcessDataFlowReader::getDataFlow()
 {
     Q_D(kelAbstractProcessDataFlowReader);
-    return readRecords(d->dir, d->dataReader);
+    return readRecords(d->dir, *d->dataReader);
 }
 
 bool kelAbstractProcessDataFlowReader::HasReachedWantedStartTime() { return false; }

@@ -19,9 +19,12 @@ public:
     kelAbstractProcessDataFlowReaderPrivate(const kelAbstractProcessDataFlowReaderPrivate &other)
         : kelAbstractProcessPrivate(other)
     { }
+    kelAbstractProcessDataFlowReaderPrivate &
+    operator=(const kelAbstractProcessDataFlowReaderPrivate &) = delete;
+    ~kelAbstractProcessDataFlowReaderPrivate() override { delete dataReader; }
 
     QFile file; ///< Only its name is used.
-    kelAbstractProcessDataReader dataReader;
+    kelAbstractProcessDataReader *dataReader = new kelAbstractProcessDataReader; ///< Owned; each copy's own.
     QString dir;
 };
 

@@ -1,9 +1,9 @@
 #include <kelCore/process/kelAbstractProcessDataFlowWriter.h>
 #include <kelCore/process/kelAbstractProcessDataFlowWriter_p.h>
 
-#include <kelCore/process/kelDataFlowDocument_p.h>
-#include <kelCore/process/kelDataFlowReading_p.h>
-#include <kelCore/process/kelDebugLine_p.h>
+#include <kelCore/recording/internal/kelDebugLine.h>
+#include <kelCore/recording/internal/kelDocumentText.h>
+#include <kelCore/recording/internal/kelFileWriting.h>
 
 #include <cstdio>
 #include <iostream>
@@ -32,7 +32,19 @@ kelAbstractProcessDataFlowWriter::kelAbstractProcessDataFlowWriter(
     : kelAbstractProcess(*new kelAbstractProcessDataFlowWriterPrivate(*other.d_func()), other.parent())
 { }
 
+kelAbstractProcessDataFlowWriter::kelAbstractProcessDataFlowWriter(
+    kelAbstractProcessDataFlowWriterPrivate &dd, QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
 kelAbstractProcessDataFlowWriter::~kelAbstractProcessDataFlowWriter() = default;
+
+kelAbstractProcessDataFlowWriter &
+kelAbstractProcessDataFlowWriter::operator=(const kelAbstractProcessDataFlowWriter &other)
+{
+    copy(other);
+    return *this;
+}
 
 void kelAbstractProcessDataFlowWriter::setFilePath(const QFile &file)
 {
@@ -96,7 +108,10 @@ bool kelAbstractProcessDataFlowWriter::writeDataFlow()
     if (!kelDataFlow::parse(file, d->document))
         return false;
 
-    QDomDocument &document = d->document;
+    // The objects' own operations may change what this stage holds meanwhile: the frame is of the document
+    // and the list that it began with.
+    QDomDocument document = d->document;
+    const QList<QSharedPointer<kelAbstractData>> dataFlow = d->dataFlow;
     QDomElement frame = document.createElement(QStringLiteral("Frame"));
     setNumber(frame, "frameNumber", d->synchronizer.getFrameNumber());
     document.documentElement().appendChild(frame);
@@ -106,7 +121,7 @@ bool kelAbstractProcessDataFlowWriter::writeDataFlow()
     frame.appendChild(parameters);
     frame.appendChild(setTimeStampElement());
 
-    for (const QSharedPointer<kelAbstractData> &data : qAsConst(d->dataFlow)) {
+    for (const QSharedPointer<kelAbstractData> &data : dataFlow) {
         if (!data)
             continue;
         d->dataWriter->setData(data);

@@ -4,14 +4,14 @@
 /// \file
 /// Stage that records a run, frame by frame.
 
+#include <kelCore/data/kelAbstractData.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
+#include <QDomElement>
+#include <QFile>
 #include <QList>
 #include <QSharedPointer>
 
-class QDomElement;
-class QFile;
-class kelAbstractData;
 class kelAbstractProcessDataFlowWriterPrivate;
 
 /// Records the data flow of a run into one XML document, and through kelAbstractProcessDataWriter each data
@@ -28,7 +28,11 @@ class kelAbstractProcessDataFlowWriterPrivate;
 /// every frame and a later run goes on behind an earlier one. The cost of a frame grows linearly with the
 /// frames already written. The file is replaced in one step: whenever the process ends, the document parses
 /// and holds every frame that was reported saved. The records of a frame are appended before the document is
-/// rewritten.
+/// rewritten; they are handed to the system, not synced to the disk, and a record that could not be appended
+/// keeps its element in the document.
+///
+/// What has no folder entry of its own alone (a device, a FIFO, a file with several hard links) is written
+/// into, as is a file in a folder that takes no second one: there the replacement is not one step.
 ///
 /// The data list is not cleared after writing: a frame without a new list repeats the previous objects.
 ///
@@ -45,6 +49,9 @@ public:
     /// waits, and leaves the settings alone.
     kelAbstractProcessDataFlowWriter(const kelAbstractProcessDataFlowWriter &other);
     ~kelAbstractProcessDataFlowWriter() override;
+    /// Calls the virtual `copy`, which carries the framework's part alone: file name, data list, document and
+    /// settings stay as they are.
+    kelAbstractProcessDataFlowWriter &operator=(const kelAbstractProcessDataFlowWriter &other);
 
     /// Takes the name of `file` as the document's path; nothing is opened.
     void setFilePath(const QFile &file);
@@ -56,9 +63,9 @@ public:
     /// Appends one data object.
     virtual void setDataFlow(const QSharedPointer<kelAbstractData> &data);
     /// Adds one frame for the current time stamp and data list, skipping null pointers, and rewrites the
-    /// document, which is created where there is none. \return false when the document cannot be parsed;
-    /// nothing is written then. True otherwise, also when the
-    ///         document could not be rewritten and the frame is lost ("frame saved" is then not reported).
+    /// document, which is created where there is none.
+    /// \return false when the document cannot be parsed; nothing is written then. True otherwise, also when
+    ///         the document could not be rewritten and the frame is lost ("frame saved" is then not reported).
     virtual bool writeDataFlow();
 
     /// A "Synchronization" element with the parts of the time stamp, attached to nothing. Each number is
@@ -73,6 +80,12 @@ public:
     int userValue1 = 0;
     int userValue2 = 0;
     bool userFlag2 = false;
+
+protected:
+    /// For derived classes. Neither prints nor waits nor sets the settings: what a class that derives from this
+    /// one does when it is made is its own to say.
+    explicit kelAbstractProcessDataFlowWriter(kelAbstractProcessDataFlowWriterPrivate &dd,
+                                              QObject *parent = nullptr);
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelAbstractProcessDataFlowWriter)

@@ -19,13 +19,15 @@ public:
     kelAbstractProcessDataFlowWriterPrivate() = default;
     kelAbstractProcessDataFlowWriterPrivate(const kelAbstractProcessDataFlowWriterPrivate &other)
         : kelAbstractProcessPrivate(other), filePath(other.filePath.fileName()), dataFlow(other.dataFlow),
-          dataWriter(other.dataWriter), document(other.document)
+          dataWriter(other.dataWriter), document(other.document), dataWriterOwner(other.dataWriterOwner)
     { }
 
     QFile filePath; ///< Only its name is used.
     QList<QSharedPointer<kelAbstractData>> dataFlow;
-    QSharedPointer<kelAbstractProcessDataWriter> dataWriter{new kelAbstractProcessDataWriter};
+    kelAbstractProcessDataWriter *dataWriter = new kelAbstractProcessDataWriter; ///< Shared with copies.
     QDomDocument document; ///< As it was after the last frame; read anew before the next.
+
+    QSharedPointer<kelAbstractProcessDataWriter> dataWriterOwner{dataWriter}; ///< Of this and its copies.
 };
 
 #endif

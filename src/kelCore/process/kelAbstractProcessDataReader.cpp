@@ -3,9 +3,10 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
-#include <kelCore/process/kelDataFlowReading_p.h>
-#include <kelCore/process/kelDataFlowRecord.h>
-#include <kelCore/process/kelDebugLine_p.h>
+#include <kelCore/process/internal/kelRecordedObject.h>
+#include <kelCore/recording/internal/kelDebugLine.h>
+#include <kelCore/recording/internal/kelRecordReader.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDomElement>
 #include <QRect>
@@ -22,10 +23,12 @@ kelAbstractData *newObject(const QString &dataType)
 }
 } // namespace
 
-kelAbstractData *kelDataFlow::rebuild(kelDataFlowRecord &record)
+kelAbstractData *kelReadRecordedObject(kelRecordReader &reader, kelDataFlowRecord &record)
 {
-    if (debugShown())
-        debugLine("\n this is the datatype: ", quoted(record.dataType));
+    reader.readDataType(record.dataType);
+    if (kelDataFlow::debugShown())
+        kelDataFlow::debugLine("\n this is the datatype: ", kelDataFlow::quoted(record.dataType));
+    reader.readProperties(record.properties);
     kelAbstractData *data = newObject(record.dataType);
     if (data)
         data->setMap(record.properties);
@@ -40,13 +43,28 @@ kelAbstractProcessDataReader::kelAbstractProcessDataReader(const kelAbstractProc
     : kelAbstractProcess(*new kelAbstractProcessDataReaderPrivate(*other.d_func()), other.parent())
 { }
 
+kelAbstractProcessDataReader::kelAbstractProcessDataReader(kelAbstractProcessDataReaderPrivate &dd,
+                                                           QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
 kelAbstractProcessDataReader::~kelAbstractProcessDataReader() = default;
+
+kelAbstractProcessDataReader &
+kelAbstractProcessDataReader::operator=(const kelAbstractProcessDataReader &other)
+{
+    copy(other);
+    return *this;
+}
 
 kelAbstractData *kelAbstractProcessDataReader::readData(QDataStream &in)
 {
+    kelRecordStream stream(in);
+    kelRecordReader reader(in);
     kelDataFlowRecord record;
-    record.read(in);
-    return kelDataFlow::rebuild(record);
+    kelAbstractData *data = kelReadRecordedObject(reader, record);
+    stream.setStatus(reader.status());
+    return data;
 }
 
 kelAbstractData *kelAbstractProcessDataReader::readData(const QDomElement &element)

@@ -4,11 +4,11 @@
 /// \file
 /// Stage that rebuilds one recorded data object.
 
+#include <kelCore/data/kelAbstractData.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
 class QDataStream;
 class QDomElement;
-class kelAbstractData;
 class kelAbstractProcessDataReaderPrivate;
 
 /// Rebuilds a data object from either of the forms that kelAbstractProcessDataWriter writes. Blobs and images
@@ -21,10 +21,13 @@ public:
     kelAbstractProcessDataReader();
     kelAbstractProcessDataReader(const kelAbstractProcessDataReader &other);
     ~kelAbstractProcessDataReader() override;
+    /// Calls the virtual `copy`, which carries the framework's part.
+    kelAbstractProcessDataReader &operator=(const kelAbstractProcessDataReader &other);
 
     /// Reads one binary record, in stream version 12 whatever version `in` is set to; `in` is left behind the
     /// record. The object carries the record's whole map. A record that is cut off leaves `in` in its error
-    /// state and the object filled as far as it was read.
+    /// state and the object filled as far as it was read. An exception of an application's stream operator
+    /// passes; `in` has its version again.
     kelAbstractData *readData(QDataStream &in);
 
     /// Rebuilds an object from a "Data" element: an image without its entries, or a blob with its first entry
@@ -34,6 +37,9 @@ public:
     /// wrote width and height: deliberate, so a rectangle survives this way only when its left and top are 1.
     /// Missing numbers count as 0, a missing key as "noKey".
     kelAbstractData *readData(const QDomElement &element);
+
+protected:
+    explicit kelAbstractProcessDataReader(kelAbstractProcessDataReaderPrivate &dd, QObject *parent = nullptr);
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelAbstractProcessDataReader)

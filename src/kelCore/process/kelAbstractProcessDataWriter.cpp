@@ -1,16 +1,12 @@
 #include <kelCore/process/kelAbstractProcessDataWriter.h>
 #include <kelCore/process/kelAbstractProcessDataWriter_p.h>
 
-#include <kelCore/process/kelDataFlowRecord.h>
-#include <kelCore/process/kelDebugLine_p.h>
+#include <kelCore/recording/internal/kelDebugLine.h>
+#include <kelCore/recording/internal/kelFileWriting.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDomDocument>
 #include <QRect>
-
-#include <cerrno>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -18,28 +14,6 @@ namespace {
 int extent(int first, int last)
 {
     return static_cast<int>(static_cast<unsigned>(last) - static_cast<unsigned>(first) + 1u);
-}
-
-/// Appends `bytes` to the file, whole or not at all. By plain system calls: a file object of the toolkit
-/// costs as much again as the append itself.
-bool appendToFile(const char *path, const QByteArray &bytes)
-{
-    const int file = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (file < 0)
-        return false;
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const ssize_t written =
-            ::write(file, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (written > 0)
-            done += written;
-        else if (written == 0 || errno != EINTR)
-            break;
-    }
-    const bool whole = done == bytes.size();
-    // A full disk may have taken a part: cut it off, or every later record would be misread.
-    const bool clean = whole || done == 0 || ::ftruncate(file, ::lseek(file, 0, SEEK_END) - done) == 0;
-    return ::close(file) == 0 && whole && clean;
 }
 
 } // namespace
@@ -52,7 +26,19 @@ kelAbstractProcessDataWriter::kelAbstractProcessDataWriter(const kelAbstractProc
     : kelAbstractProcess(*new kelAbstractProcessDataWriterPrivate(*other.d_func()), other.parent())
 { }
 
+kelAbstractProcessDataWriter::kelAbstractProcessDataWriter(kelAbstractProcessDataWriterPrivate &dd,
+                                                           QObject *parent)
+    : kelAbstractProcess(dd, parent)
+{ }
+
 kelAbstractProcessDataWriter::~kelAbstractProcessDataWriter() = default;
+
+kelAbstractProcessDataWriter &
+kelAbstractProcessDataWriter::operator=(const kelAbstractProcessDataWriter &other)
+{
+    copy(other);
+    return *this;
+}
 
 void kelAbstractProcessDataWriter::setData(const QSharedPointer<kelAbstractData> &data)
 {
@@ -62,14 +48,16 @@ void kelAbstractProcessDataWriter::setData(const QSharedPointer<kelAbstractData>
 QDomElement kelAbstractProcessDataWriter::writeData(QDomDocument &doc)
 {
     Q_D(kelAbstractProcessDataWriter);
-    if (!d->data)
+    // The object's own operations may give this stage another object meanwhile.
+    const QSharedPointer<kelAbstractData> data = d->data;
+    if (!data)
         return QDomElement();
 
     QDomElement element = doc.createElement(QStringLiteral("Data"));
-    element.setAttribute(QStringLiteral("dataType"), d->data->identifier());
+    element.setAttribute(QStringLiteral("dataType"), data->identifier());
     doc.appendChild(element);
 
-    QVariantMap map = d->data->getMap();
+    QVariantMap map = data->getMap();
     for (auto it = map.cbegin(); it != map.cend(); ++it) {
         QString typeName = QString::fromLatin1(it.value().typeName());
         QDomElement entry = doc.createElement(QStringLiteral("entry"));
@@ -86,16 +74,17 @@ QDomElement kelAbstractProcessDataWriter::writeData(QDomDocument &doc)
 bool kelAbstractProcessDataWriter::writeDataBin()
 {
     Q_D(kelAbstractProcessDataWriter);
-    if (!d->data)
+    const QSharedPointer<kelAbstractData> data = d->data;
+    if (!data)
         return false;
-    const kelDataFlowRecord record{d->data->identifier(), d->data->getMap()};
+    const kelDataFlowRecord record{data->identifier(), data->getMap()};
     QString problem;
     const QByteArray bytes = record.encoded(&problem);
     if (bytes.isEmpty()) {
         kelDataFlow::debugLine(problem);
         return false;
     }
-    return appendToFile("dataflow.dat", bytes);
+    return kelDataFlow::appendToFile("dataflow.dat", bytes);
 }
 
 const char *kelAbstractProcessDataWriter::getDataType(QVariantMap &map, QString &typeName)

@@ -4,13 +4,12 @@
 /// \file
 /// Stage that records one data object.
 
+#include <kelCore/data/kelAbstractData.h>
 #include <kelCore/process/kelAbstractProcess.h>
 
+#include <QDomElement>
 #include <QSharedPointer>
 
-class QDomDocument;
-class QDomElement;
-class kelAbstractData;
 class kelAbstractProcessDataWriterPrivate;
 
 /// Records one data object, as an XML element and as a binary record: its identifier and its map, nothing
@@ -30,6 +29,8 @@ public:
     /// Shares the data object.
     kelAbstractProcessDataWriter(const kelAbstractProcessDataWriter &other);
     ~kelAbstractProcessDataWriter() override;
+    /// Calls the virtual `copy`, which carries the framework's part alone: the object to write stays.
+    kelAbstractProcessDataWriter &operator=(const kelAbstractProcessDataWriter &other);
 
     using kelAbstractProcess::setData;
     /// Keeps the object to write, shared with the caller.
@@ -43,11 +44,17 @@ public:
     /// Appends the object's record to the binary file, whole or not at all. False when the file cannot be
     /// written, when there is no object, and when a value's type has no stream operators: a debug line then
     /// names its key and type.
+    ///
+    /// Several processes may append at once; each holds a shared `flock` on the file meanwhile. A part that a
+    /// full disk took is cut off again under an exclusive one, unless somebody has appended behind it.
     bool writeDataBin();
 
     /// The value text of an entry of type `typeName`: for "QRect" the first entry of `map` as "left top width
     /// height" (all 0 where it is no rectangle), empty otherwise. UTF-8; valid until the next call.
     const char *getDataType(QVariantMap &map, QString &typeName);
+
+protected:
+    explicit kelAbstractProcessDataWriter(kelAbstractProcessDataWriterPrivate &dd, QObject *parent = nullptr);
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelAbstractProcessDataWriter)

@@ -1,6 +1,8 @@
 #include <kelCore/process/kelAbstractProcessXMLReaderWriter.h>
 #include <kelCore/process/kelAbstractProcessXMLReaderWriter_p.h>
 
+#include <kelCore/recording/internal/kelDocumentText.h>
+
 #include <QFile>
 
 #include <utility>
@@ -26,7 +28,7 @@ void kelAbstractProcessXMLReaderWriter::setInputXML(std::string path)
     QFile file(QFile::decodeName(path.c_str()));
     QDomDocument document;
     // The toolkit complains about an empty name, and keeps what it read of a malformed document.
-    if (path.empty() || !file.open(QIODevice::ReadOnly) || !document.setContent(&file))
+    if (path.empty() || !file.open(QIODevice::ReadOnly) || !kelDataFlow::setContent(document, file.readAll()))
         document = QDomDocument();
     d_func()->document = document;
 }

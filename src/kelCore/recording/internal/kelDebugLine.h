@@ -1,5 +1,5 @@
-#ifndef KELCORE_KELDEBUGLINE_P_H
-#define KELCORE_KELDEBUGLINE_P_H
+#ifndef KELCORE_KELDEBUGLINE_H
+#define KELCORE_KELDEBUGLINE_H
 
 /// \file
 /// Diagnostics of the recording on Qt's debug channel. Internal.

@@ -32,9 +32,16 @@ struct KELCORE_EXPORT kelDataFlowRecord
     /// `problem`, where given, then names the entry and the type.
     QByteArray encoded(QString *problem = nullptr) const;
 
-    /// Reads one record from `in`, whatever version `in` is set to. A record that is cut off or corrupt
-    /// leaves `in` in its error state and the record filled as far as it was read. \return true when the
-    /// record was read whole.
+    /// Reads one record from `in`, whatever version `in` is set to, and takes no byte behind it. A record that
+    /// is cut off or corrupt leaves `in` in its error state and the record filled as far as it was read.
+    ///
+    /// What bytes claim costs no more than the bytes warrant: lengths end at the end of the bytes, values in
+    /// values at 1,000 levels, the pixels of a record's pictures at 64 MiB and 16 times their recorded bytes.
+    /// Pixmaps, cursors and icons are corrupt where no application with windows runs.
+    ///
+    /// A value of a type of the application's own is read by the type's stream operator, whose exceptions
+    /// pass.
+    /// \return true when the record was read whole.
     bool read(QDataStream &in);
 
     /// Reads one record from the `size` bytes at `data`, as `read` does.

@@ -1,4 +1,4 @@
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include "support/Capture.h"
 

@@ -1,14 +1,13 @@
-#include <kelCore/process/kelDataFlowDocument_p.h>
+#include <kelCore/recording/internal/kelDocumentText.h>
 
-#include <kelCore/process/kelDataFlowReading_p.h>
-#include <kelCore/process/kelDebugLine_p.h>
+#include <kelCore/recording/internal/kelDebugLine.h>
 
 #include <QDomDocument>
 #include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -134,16 +133,17 @@ private:
     std::string m_sorted;
 };
 
+/// What no XML document may contain below the blank.
+bool isForbiddenControl(ushort c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; }
+
 /// Replaces what no XML document may contain.
 void replaceForbiddenCharacters(QString &text)
 {
     const auto forbidden = [&text](int i) {
         const QChar c = text.at(i);
         const ushort u = c.unicode();
-        if (u < 0x20)
-            return u != '\t' && u != '\n' && u != '\r';
         if (u < 0xd800)
-            return false;
+            return isForbiddenControl(u);
         if (c.isHighSurrogate())
             return i + 1 == text.size() || !text.at(i + 1).isLowSurrogate();
         if (c.isLowSurrogate())
@@ -155,21 +155,77 @@ void replaceForbiddenCharacters(QString &text)
             text[i] = QChar(QChar::ReplacementCharacter);
 }
 
-/// Lets the XML declaration, where there is one, name the encoding that is written. The toolkit goes by it:
-/// what another encoding cannot express would become character references, of surrogates among them.
-void declareUtf8(const QDomDocument &document)
+/// Where the data of an instruction name an encoding.
+struct EncodingName
 {
-    QDomProcessingInstruction declaration = document.firstChild().toProcessingInstruction();
-    if (declaration.target() != QLatin1String("xml"))
+    int begin = -1;
+    int size = 0;
+
+    explicit EncodingName(const QString &data)
+    {
+        const int key = static_cast<int>(data.indexOf(QLatin1String("encoding=")));
+        const int first = key + 10; // behind the quote
+        if (key < 0 || first > data.size())
+            return;
+        const int last = static_cast<int>(data.indexOf(data.at(first - 1), first));
+        if (last < 0)
+            return;
+        begin = first;
+        size = last - first;
+    }
+
+    bool isOther(const QString &data) const
+    {
+        return begin >= 0 && data.mid(begin, size).compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) != 0;
+    }
+};
+
+/// Lets the XML declaration, where there is one, name the encoding that is written. The toolkit goes by it:
+/// what another encoding cannot express would become character references, of surrogates among them. Its
+/// parser under Qt 5 goes by whatever instruction comes first: one that names another encoding is put behind
+/// a declaration.
+void declareUtf8(QDomDocument document)
+{
+    QDomProcessingInstruction first = document.firstChild().toProcessingInstruction();
+    QString data = first.data();
+    const EncodingName name(data);
+    if (!first.target().startsWith(QLatin1String("xml")) || !name.isOther(data))
         return;
-    QString text = declaration.data();
-    const int name = text.indexOf(QLatin1String("encoding="));
-    const int first = name + 10; // behind the quote
-    if (name < 0 || first > text.size())
-        return;
-    const int last = text.indexOf(text.at(first - 1), first);
-    if (last > 0 && text.mid(first, last - first).compare(QLatin1String("UTF-8"), Qt::CaseInsensitive))
-        declaration.setData(text.replace(first, last - first, QStringLiteral("UTF-8")));
+    if (first.target() == QLatin1String("xml"))
+        first.setData(data.replace(name.begin, name.size, QStringLiteral("UTF-8")));
+    else
+        document.insertBefore(document.createProcessingInstruction(
+                                  QStringLiteral("xml"), QStringLiteral("version='1.0' encoding='UTF-8'")),
+                              first);
+}
+
+bool holdsForbiddenControl(const QString &text)
+{
+    return std::any_of(text.cbegin(), text.cend(), [](QChar c) { return isForbiddenControl(c.unicode()); });
+}
+
+/// Names with control characters are taken by the toolkit's parser under Qt 6 and by no other.
+bool namesAreSound(const QDomNode &node)
+{
+    if (!node.isCharacterData() && holdsForbiddenControl(node.nodeName()))
+        return false;
+    const QDomNamedNodeMap attributes = node.attributes();
+    for (int i = 0; i < attributes.count(); ++i)
+        if (holdsForbiddenControl(attributes.item(i).nodeName()))
+            return false;
+    for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling())
+        if (!namesAreSound(child))
+            return false;
+    return true;
+}
+
+/// True for a text whose first instruction only looks like an XML declaration: its encoding is UTF-8,
+/// whatever the instruction names.
+bool beginsWithOtherInstruction(const QByteArray &text)
+{
+    const int begin = text.startsWith("\xef\xbb\xbf") ? 3 : 0;
+    const int behind = begin + 5;
+    return text.size() > behind && text.mid(begin, 5) == "<?xml" && !std::strchr(" \t\r\n", text.at(behind));
 }
 
 } // namespace
@@ -184,13 +240,20 @@ QByteArray kelDataFlow::toXml(const QDomDocument &document)
     return utf8;
 }
 
-bool kelDataFlow::replaceFile(const QString &path, const QByteArray &content)
+bool kelDataFlow::setContent(QDomDocument &document, const QByteArray &text, QString *message, int *line,
+                             int *column)
 {
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    // Flushed by hand: the toolkit would commit a file whose last block met a full disk.
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()
-        && file.commit();
+    const bool isUtf8 = beginsWithOtherInstruction(text);
+    if (isUtf8 ? !document.setContent(QString::fromUtf8(text), message, line, column)
+               : !document.setContent(text, message, line, column))
+        return false;
+    const bool suspicious = std::any_of(text.cbegin(), text.cend(),
+                                        [](char c) { return isForbiddenControl(static_cast<uchar>(c)); });
+    if (!suspicious || namesAreSound(document))
+        return true;
+    if (message)
+        *message = QStringLiteral("a name holds a control character");
+    return false;
 }
 
 bool kelDataFlow::parse(QFile &file, QDomDocument &document)
@@ -198,7 +261,7 @@ bool kelDataFlow::parse(QFile &file, QDomDocument &document)
     QString message;
     int line = 0;
     int column = 0;
-    const bool parsed = file.isOpen() && document.setContent(file.readAll(), &message, &line, &column);
+    const bool parsed = file.isOpen() && setContent(document, file.readAll(), &message, &line, &column);
     file.close();
     if (!parsed) {
         debugLine("\n xml file content problem...");

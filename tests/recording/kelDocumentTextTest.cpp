@@ -14,6 +14,7 @@
 #include <QRect>
 #include <QRegularExpression>
 #include <QSharedPointer>
+#include <QXmlStreamReader>
 
 #include <memory>
 
@@ -58,6 +59,15 @@ QString ordered(const QString &xml)
     return result + xml.mid(at);
 }
 
+/// Whether the parsers that read recordings take the text.
+bool everyParserTakes(const QByteArray &text)
+{
+    QXmlStreamReader strict(text);
+    while (!strict.atEnd())
+        strict.readNext();
+    return !strict.hasError() && QDomDocument().setContent(text);
+}
+
 /// The text of all attributes and text nodes below an element, in document order.
 QStringList texts(const QDomNode &node)
 {
@@ -75,10 +85,10 @@ QStringList texts(const QDomNode &node)
 
 } // namespace
 
-class kelDataFlowDocumentTest : public TemporaryFolder
+class kelDocumentTextTest : public TemporaryFolder
 {
 protected:
-    kelDataFlowDocumentTest()
+    kelDocumentTextTest()
     {
         OutputCapture output;
         writer.reset(new kelAbstractProcessDataFlowWriter);
@@ -117,14 +127,14 @@ protected:
                              " </Frame>\n";
 };
 
-TEST_F(kelDataFlowDocumentTest, ANewDocumentIsItsRootAloneAndHasNoDocumentType)
+TEST_F(kelDocumentTextTest, ANewDocumentIsItsRootAloneAndHasNoDocumentType)
 {
     MessageCapture messages;
     writer->xmlGen();
     EXPECT_EQ(content("run.xml"), "<DataFlow/>\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, AttributesComeInTheOrderOfTheFormat)
+TEST_F(kelDocumentTextTest, AttributesComeInTheOrderOfTheFormat)
 {
     EXPECT_EQ(recorded({{"BoundingBox2D", QRect(10, 20, 30, 40)}, {"area", 7}}).toStdString(),
               "<DataFlow>\n"
@@ -141,7 +151,7 @@ TEST_F(kelDataFlowDocumentTest, AttributesComeInTheOrderOfTheFormat)
               "</DataFlow>\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, UnknownAttributesFollowTheKnownOnesByName)
+TEST_F(kelDocumentTextTest, UnknownAttributesFollowTheKnownOnesByName)
 {
     const QByteArray all =
         "<DataFlow zeta='z' value='13' type='12' key='11' dataType='10' timeMs='9' timeSec='8'"
@@ -155,7 +165,7 @@ TEST_F(kelDataFlowDocumentTest, UnknownAttributesFollowTheKnownOnesByName)
             + frame.toStdString() + "</DataFlow>\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, ForeignContentIsWrittenAsTheToolkitWritesIt)
+TEST_F(kelDocumentTextTest, ForeignContentIsWrittenAsTheToolkitWritesIt)
 {
     const QByteArray documents[] = {
         "<DataFlow/>",
@@ -197,7 +207,7 @@ TEST_F(kelDataFlowDocumentTest, ForeignContentIsWrittenAsTheToolkitWritesIt)
     }
 }
 
-TEST_F(kelDataFlowDocumentTest, ASecondFrameIsWrittenAsTheToolkitWritesIt)
+TEST_F(kelDocumentTextTest, ASecondFrameIsWrittenAsTheToolkitWritesIt)
 {
     recorded({{"BoundingBox2D", QRect(10, 20, 30, 40)}, {"<&\">' =/", 7}});
     MessageCapture messages;
@@ -205,14 +215,14 @@ TEST_F(kelDataFlowDocumentTest, ASecondFrameIsWrittenAsTheToolkitWritesIt)
     EXPECT_EQ(QString::fromUtf8(content("run.xml")), ordered(document().toString(1)));
 }
 
-TEST_F(kelDataFlowDocumentTest, TheSameRunGivesTheSameBytes)
+TEST_F(kelDocumentTextTest, TheSameRunGivesTheSameBytes)
 {
     const QVariantMap map{{"BoundingBox2D", QRect(10, 20, 30, 40)}, {"area", 7}};
     const QByteArray first = recorded(map);
     EXPECT_EQ(recorded(map), first);
 }
 
-TEST_F(kelDataFlowDocumentTest, KeysBeyondAsciiAreUtf8)
+TEST_F(kelDocumentTextTest, KeysBeyondAsciiAreUtf8)
 {
     const QByteArray written = recorded({{QString::fromUtf8("\u00e9\u20ac\U0001F600"), 1}});
     EXPECT_TRUE(
@@ -220,7 +230,7 @@ TEST_F(kelDataFlowDocumentTest, KeysBeyondAsciiAreUtf8)
         << written.toStdString();
 }
 
-TEST_F(kelDataFlowDocumentTest, WhatXmlCannotCarryIsReplaced)
+TEST_F(kelDocumentTextTest, WhatXmlCannotCarryIsReplaced)
 {
     const char *const replacement = "\xef\xbf\xbd";
     const struct
@@ -251,7 +261,7 @@ TEST_F(kelDataFlowDocumentTest, WhatXmlCannotCarryIsReplaced)
     }
 }
 
-TEST_F(kelDataFlowDocumentTest, DifficultKeysAreReadBackAsTheyWere)
+TEST_F(kelDocumentTextTest, DifficultKeysAreReadBackAsTheyWere)
 {
     for (const char *key : {"<&>\"'", "a=\"b\" c='d'", "/>", "-->", "]]>", "?>", " a  b ", "\t\n", ""}) {
         QDomDocument parsed;
@@ -263,7 +273,7 @@ TEST_F(kelDataFlowDocumentTest, DifficultKeysAreReadBackAsTheyWere)
     }
 }
 
-TEST_F(kelDataFlowDocumentTest, ADocumentOfAnotherEncodingBecomesUtf8)
+TEST_F(kelDocumentTextTest, ADocumentOfAnotherEncodingBecomesUtf8)
 {
     const QString text =
         QString::fromUtf8("<?xml version='1.0' encoding='%1'?><DataFlow a='\u00e9'>\u00e9</DataFlow>");
@@ -306,7 +316,7 @@ TEST_F(kelDataFlowDocumentTest, ADocumentOfAnotherEncodingBecomesUtf8)
     }
 }
 
-TEST_F(kelDataFlowDocumentTest, TheRestOfTheDeclarationStays)
+TEST_F(kelDocumentTextTest, TheRestOfTheDeclarationStays)
 {
     EXPECT_EQ(
         rewritten("<?xml version='1.0' encoding='ISO-8859-1' standalone='yes'?><DataFlow/>").toStdString(),
@@ -316,21 +326,105 @@ TEST_F(kelDataFlowDocumentTest, TheRestOfTheDeclarationStays)
               "<?xml version='1.0'?>\n<DataFlow>\n" + frame.toStdString() + "</DataFlow>\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, OnlyTheXmlDeclarationIsMadeToSayUtf8)
+TEST_F(kelDocumentTextTest, OnlyTheXmlDeclarationIsMadeToSayUtf8)
 {
-    EXPECT_EQ(rewritten("<?xml-style encoding='x'?><DataFlow b=\"encoding='x'\"/>").toStdString(),
-              "<?xml-style encoding='x'?>\n<DataFlow b=\"encoding='x'\">\n" + frame.toStdString()
+    EXPECT_EQ(rewritten("<?style encoding='x'?><DataFlow b=\"encoding='x'\"/>").toStdString(),
+              "<?style encoding='x'?>\n<DataFlow b=\"encoding='x'\">\n" + frame.toStdString()
                   + "</DataFlow>\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, TheFrameIsAppendedToTheRootWhateverStandsInFrontOrBehind)
+TEST_F(kelDocumentTextTest, AStylesheetInstructionThatNamesAnEncodingIsNoDeclarationOfIt)
+{
+    const std::string text = "\xc3\xa9\xe2\x82\xac";
+    for (const std::string encoding : {"ISO-8859-1", "UTF-16", "x"})
+        for (const std::string mark : {"", "\xef\xbb\xbf"}) {
+            const std::string instruction = "<?xml-stylesheet href='a.xsl' encoding='" + encoding + "'?>";
+            const std::string expected = "<?xml version='1.0' encoding='UTF-8'?>\n" + instruction
+                + "\n<DataFlow a=\"" + text + "\">\n";
+            std::string frames = frame.toStdString();
+            EXPECT_EQ(rewritten((mark + instruction + "<DataFlow a='" + text + "'/>").c_str()).toStdString(),
+                      expected + frames + "</DataFlow>\n");
+            for (int i = 0; i < 3; ++i) { // and it stays as it is
+                frames += frame.toStdString();
+                MessageCapture messages;
+                EXPECT_TRUE(writer->writeDataFlow());
+                EXPECT_EQ(content("run.xml").toStdString(), expected + frames + "</DataFlow>\n");
+                EXPECT_TRUE(everyParserTakes(content("run.xml")));
+            }
+        }
+    EXPECT_EQ(rewritten("<?xml-stylesheet href='a.xsl'?><DataFlow/>").toStdString(),
+              "<?xml-stylesheet href='a.xsl'?>\n<DataFlow>\n" + frame.toStdString() + "</DataFlow>\n");
+}
+
+TEST_F(kelDocumentTextTest, AUtf16DocumentIsReadAgainAfterEachFrame)
+{
+    for (const char *head :
+         {"", "<!-- c -->", "<?xml version='1.0'?>", "<?xml version='1.0' encoding='UTF-16'?>",
+          "<?xml-stylesheet href='a' encoding='UTF-16'?>"}) {
+        const QString text = QLatin1String(head) + QString::fromUtf8("<DataFlow a='\u00e9'/>");
+        QByteArray bytes("\xff\xfe");
+        for (const QChar c : text)
+            bytes.append(static_cast<char>(c.unicode() & 0xff)).append(static_cast<char>(c.unicode() >> 8));
+        QByteArray written = rewritten(bytes);
+        for (int frames = 2; frames < 5; ++frames) {
+            SCOPED_TRACE(written.toStdString());
+            EXPECT_TRUE(everyParserTakes(written));
+            const QByteArray before = written;
+            MessageCapture messages;
+            EXPECT_TRUE(writer->writeDataFlow());
+            written = content("run.xml");
+            EXPECT_EQ(written.count("<Frame "), frames);
+            EXPECT_TRUE(written.contains("<DataFlow a=\"\xc3\xa9\">"));
+            EXPECT_EQ(before.toStdString().substr(0, before.size() - 12),
+                      written.toStdString().substr(0, before.size() - 12)); // but for the last line
+        }
+    }
+}
+
+TEST_F(kelDocumentTextTest, FurtherFramesLeaveTheRestAsItIs)
+{
+    for (const char *foreign :
+         {"<DataFlow b='2' a='1' c='3'/>", "<!-- before --><DataFlow/><!-- after -->",
+          "<?xml version='1.0' encoding='ISO-8859-1'?><?xml-stylesheet encoding='UTF-16'?><DataFlow/>",
+          "<DataFlow><![CDATA[<x b=\"2\"> > ' \" & ]]><z b='1'/></DataFlow>",
+          "<DataFlow b='&#9;&#10;&#13;&amp;&apos;'>text &lt;b&gt;<x d='1'/></DataFlow>",
+          "<!DOCTYPE DataFlow [<!ENTITY foo \"b&#39;a>r\">]><DataFlow b='&foo;'/>"}) {
+        SCOPED_TRACE(foreign);
+        QByteArray written = rewritten(foreign);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_TRUE(everyParserTakes(written));
+            const std::string before = written.toStdString();
+            MessageCapture messages;
+            EXPECT_TRUE(writer->writeDataFlow());
+            written = content("run.xml");
+            const size_t end = before.rfind("</DataFlow>");
+            EXPECT_EQ(written.toStdString(),
+                      before.substr(0, end) + frame.toStdString() + before.substr(end));
+        }
+    }
+}
+
+TEST_F(kelDocumentTextTest, ANameWithAControlCharacterIsAnErrorForEveryParser)
+{
+    for (const char *foreign :
+         {"<DataFlow a\x12z='1'/>", "<DataFlow><x a\x01='1'/></DataFlow>", "<!DOCTYPE D\x12><DataFlow/>"}) {
+        write("run.xml", foreign);
+        MessageCapture messages;
+        EXPECT_FALSE(writer->writeDataFlow()) << foreign;
+        EXPECT_EQ(messages.lines().value(0), "\n xml file content problem...");
+        EXPECT_EQ(messages.lines().size(), 2);
+        EXPECT_EQ(content("run.xml"), foreign);
+    }
+}
+
+TEST_F(kelDocumentTextTest, TheFrameIsAppendedToTheRootWhateverStandsInFrontOrBehind)
 {
     const QByteArray written = rewritten("<!-- a --><?b c?><DataFlow><x/></DataFlow><!-- d -->");
     EXPECT_EQ(written.toStdString(),
               "<!-- a -->\n<?b c?>\n<DataFlow>\n <x/>\n" + frame.toStdString() + "</DataFlow>\n<!-- d -->\n");
 }
 
-TEST_F(kelDataFlowDocumentTest, TheSettingsOfTheLocaleDoNotMatter)
+TEST_F(kelDocumentTextTest, TheSettingsOfTheLocaleDoNotMatter)
 {
     const QLocale previous;
     QLocale::setDefault(QLocale("de_DE"));
