@@ -41,10 +41,10 @@ public:
     /// The picture rendered last; null until the first `updateDisplay`.
     QSharedPointer<kelDataImage> &getDisplay();
 
-    /// Shows a frame and fits scene and widget to it: three channels in blue, green, red order, or four, whose last
-    /// is left out. 8 bits are shown as they are; of 16 bits, 65535 is white; of floats, 1 is white, and what lies
-    /// outside 0 to 1 is the nearer of the two, no number 0. \throws cv::Exception for other depths and other
-    /// numbers of channels, a single one included; what was shown before stays.
+    /// Shows a frame and fits scene and widget to it: three channels in blue, green, red order, one, grey, or four,
+    /// whose last is left out. 8 bits are shown as they are; of 16 bits, 65535 is white; of floats, 1 is white. What
+    /// lies outside 0 to 1 is the nearer of the two, and no number is black.
+    /// \throws cv::Exception for other numbers of channels and other depths; what was shown before stays.
     void setAcquisitionImage(QSharedPointer<kelDataImage> image);
     /// Paints the frame black where the mask, one-channel 8-bit, is 255; an image without pixels hides the
     /// mask.

@@ -65,7 +65,7 @@ bool kelScenePicture::hasPixels(const kelDataImage &image)
 QPixmap kelScenePicture::fromBgr(const cv::Mat &frame)
 {
     cv::Mat rgb;
-    cv::cvtColor(inBytes(frame), rgb, cv::COLOR_BGR2RGB);
+    cv::cvtColor(inBytes(frame), rgb, frame.channels() == 1 ? cv::COLOR_GRAY2RGB : cv::COLOR_BGR2RGB);
     return QPixmap::fromImage(
         QImage(rgb.data, rgb.cols, rgb.rows, static_cast<int>(rgb.step), QImage::Format_RGB888));
 }

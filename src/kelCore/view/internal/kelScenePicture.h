@@ -16,9 +16,10 @@ namespace kelScenePicture {
 /// True when the image holds at least one pixel.
 bool hasPixels(const kelDataImage &image);
 
-/// A frame in blue, green, red order: 8 bits; 16 bits, whose 65535 is white; or floats, of which 0 is black and 1
-/// white. What lies outside of that is black or white too, and so is what is no number: black.
-/// \throws cv::Exception for other depths, and for other than three channels and four, whose last is left out.
+/// A frame of one channel, grey, of three, in blue, green, red order, or of four, whose last is left out. Of 16
+/// bits, 65535 is white; of floats, 0 is black and 1 is white. What lies outside of that is the nearer of the two,
+/// and no number is black.
+/// \throws cv::Exception for other numbers of channels and other depths than 8 and 16 bits without a sign and float.
 QPixmap fromBgr(const cv::Mat &frame);
 
 /// A map of one channel and any depth: its least value black, its greatest white.
