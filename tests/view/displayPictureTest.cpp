@@ -177,6 +177,7 @@ TEST(kelViewPixelsTest, EveryPixelIsTheScenesOrBlack)
         {"moved", [](auto &item, auto &) { item.setPos(3, 2); }},
         {"moved by half a pixel", [](auto &item, auto &) { item.setPos(-0.5, 0); }},
         {"turned", [](auto &item, auto &) { item.setRotation(30); }},
+        {"sheared", [](auto &item, auto &) { item.setTransform(QTransform().shear(1, 0)); }},
         {"smaller", [](auto &item, auto &) { item.setScale(0.5); }},
         {"half transparent", [](auto &item, auto &) { item.setOpacity(0.5); }},
         {"blurred", [](auto &item, auto &) { item.setGraphicsEffect(new QGraphicsBlurEffect); }},
