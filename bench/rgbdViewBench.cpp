@@ -7,14 +7,12 @@
 #include <kelCore/data/kelDataActor.h>
 #include <kelCore/data/kelDataEvent.h>
 #include <kelCore/data/kelDataImage.h>
-#include <kelCore/view/MyQGraphicsScene.h>
 #include <kelCore/view/kelView.h>
 #include <kelCore/view/kelViewRGBD.h>
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include <QGraphicsView>
 #include <QImage>
 #include <QPainter>
 
@@ -38,11 +36,6 @@ struct Person
 QColor toQt(const cv::Scalar &bgr)
 {
     return QColor(static_cast<int>(bgr[2]), static_cast<int>(bgr[1]), static_cast<int>(bgr[0]));
-}
-
-MyQGraphicsScene &sceneOf(kelViewRGBD &view)
-{
-    return dynamic_cast<MyQGraphicsScene &>(*static_cast<QGraphicsView *>(view.widget())->scene());
 }
 
 /// Five people with 30 positions each, ten events, and that many pixels of the people in all.
@@ -121,9 +114,8 @@ private:
         }
         view.setEvents(list);
 
-        MyQGraphicsScene &scene = sceneOf(view);
-        scene.showActors = true;
-        scene.showActorInfos = true;
+        view.switches().showActors = true;
+        view.switches().showActorInfos = true;
     }
 };
 
@@ -226,9 +218,9 @@ void depthBackground(benchmark::State &state, int type)
     depth->setImage(map);
     kelViewRGBD view;
     view.setAcquisitionDepth(depth);
-    MyQGraphicsScene &scene = sceneOf(view);
-    scene.showDepth = true;
-    scene.showEvents = scene.showFrameRate = false;
+    MyQGraphicsScene &switches = view.switches();
+    switches.showDepth = true;
+    switches.showEvents = switches.showFrameRate = false;
 
     const QSharedPointer<kelDataImage> frame(new kelDataImage);
     frame->setImage(cv::Mat(height, width, CV_8UC3, cv::Scalar(1, 2, 3)));

@@ -29,8 +29,9 @@ class kelViewRGBD;
 /// Lengths are millimetres, in the camera's frame: x to the right, y down, z forward.
 struct FivePeople
 {
-    /// \param colorFile colour picture. \param depthFile its depth picture, 16-bit millimetres. Both have 640
-    /// x 480 pixels.
+    /// Reads a frame of 640 x 480 pixels.
+    /// \param colorFile its colour picture.
+    /// \param depthFile its depth picture, 16-bit millimetres.
     /// \throws std::runtime_error when they cannot be read, or show something else.
     FivePeople(const QString &colorFile, const QString &depthFile);
 

@@ -10,7 +10,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QTimer>
 #include <QWidget>
 
@@ -31,10 +30,8 @@ bool findDisplay()
 /// Types keys, such as "GPZ", into the view.
 void type(const QString &keys, kelViewRGBD &view)
 {
-    for (const QChar key : keys.toUpper()) {
-        QKeyEvent event(QEvent::KeyPress, key.unicode(), Qt::NoModifier);
-        QCoreApplication::sendEvent(view.widget(), &event);
-    }
+    for (const QChar key : keys.toUpper())
+        view.switches().press(key.unicode());
 }
 
 /// Writes a PNG. \param small leaves 256 colours, which makes a quarter of the file.

@@ -5,15 +5,14 @@
 /// What the programs show and draw frames in.
 
 #include <opencv2/core/mat.hpp>
+#include <opencv2/core/types.hpp>
 
 #include <QList>
 #include <QSharedPointer>
-#include <QString>
 
-#include <memory>
+#include <vector>
 
-class Follower;
-class QCommandLineParser;
+class CSynchronizer;
 class QWidget;
 class kelDataBlob;
 class kelDataImage;
@@ -21,13 +20,14 @@ class kelDataImage;
 /// What is known of one frame.
 struct Shot
 {
-    int index = 0; ///< among the frames of the run, from 0 on; not the frame's number
     QSharedPointer<kelDataImage> picture; ///< colour
     QSharedPointer<kelDataImage> foreground; ///< a mask of 0 and 255; null when it is not known
     QList<QSharedPointer<kelDataBlob>> blobs;
 };
 
 /// A frame with what was found in it: a widget to show, a picture to draw, or both.
+///
+/// Every frame of the run is added in its order, up to the one that is shown: some views follow what they see.
 class FrameView
 {
 public:
@@ -35,41 +35,27 @@ public:
 
     virtual QWidget *widget() = 0;
 
-    /// Who has to know the boxes of every frame of the run, in order, up to the one that is shown; null where
-    /// each frame is looked at alone.
-    virtual Follower *follower() { return nullptr; }
+    /// Adds the next frame of the run: when it was taken, and the boxes of its blobs. \return its index.
+    int add(const CSynchronizer &stamp, const std::vector<cv::Rect> &boxes)
+    {
+        follow(stamp, boxes);
+        return m_frameCount++;
+    }
+    /// How many frames were added.
+    int frameCount() const { return m_frameCount; }
 
-    virtual void showShot(const Shot &shot) = 0;
+    /// Shows a frame that was added.
+    virtual void showShot(int index, const Shot &shot) = 0;
     /// Frames per second, where the view shows them: from the next shot on.
     virtual void setFrameRate(int) { }
     /// The shot that is shown, as a picture of four channels in blue, green, red order.
     virtual cv::Mat picture() = 0;
+
+protected:
+    virtual void follow(const CSynchronizer &, const std::vector<cv::Rect> &) { }
+
+private:
+    int m_frameCount = 0;
 };
-
-/// What the command line says of the view.
-struct ViewSettings
-{
-    enum class Kind
-    {
-        Plain, ///< the base view: blobs over the picture
-        Operator ///< the RGB-D view with the event timeline under it
-    };
-    Kind kind = Kind::Plain;
-    QString keys; ///< pressed in the operator's view before its first frame
-    QString calibration; ///< path; empty for none
-    QString context; ///< path; empty for none
-    bool mask = false; ///< paint the foreground black; in the base view alone
-};
-
-/// The options --view and --keys.
-void addViewOptions(QCommandLineParser &parser);
-/// What they say, and --calibration and --context, which each program describes itself.
-/// \throws Failure when they are not understood.
-ViewSettings readViewSettings(const QCommandLineParser &parser);
-/// A paragraph of the help text: what the keys do.
-QString viewNotes();
-
-/// \throws Failure when a file that the settings name cannot be read.
-std::unique_ptr<FrameView> makeView(const ViewSettings &settings);
 
 #endif

@@ -5,7 +5,7 @@
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
 
-void PlainView::showShot(const Shot &shot)
+void PlainView::showShot(int, const Shot &shot)
 {
     m_view.setAcquisitionImage(shot.picture);
     if (m_mask)

@@ -17,7 +17,7 @@ public:
     PlainView(const Scene &scene, bool mask) : m_scene(scene), m_mask(mask) { }
 
     QWidget *widget() override { return m_view.widget(); }
-    void showShot(const Shot &shot) override;
+    void showShot(int index, const Shot &shot) override;
     cv::Mat picture() override;
 
 private:

@@ -1,9 +1,9 @@
 #include "kelrecord/LiveView.h"
 
-#include "common/Follower.h"
 #include "common/Program.h"
 #include "common/Recording.h"
 #include "common/VideoSource.h"
+#include "common/ViewFactory.h"
 #include "kelrecord/Settings.h"
 
 #include <kelCore/data/kelDataBlob.h>
@@ -31,28 +31,24 @@ LiveView::LiveView(const Settings &settings, const VideoSource &source)
 
 void LiveView::goOnBehind(const Recording &recording)
 {
-    if (Follower *follower = m_view->follower())
-        for (const RecordedFrame &frame : recording.frames())
-            follower->add(frame.stamp(), recording.boxesOf(frame));
+    for (const RecordedFrame &frame : recording.frames())
+        m_view->add(frame.stamp(), recording.boxesOf(frame));
 }
 
-void LiveView::add(const CSynchronizer &stamp, Shot shot)
+void LiveView::add(const CSynchronizer &stamp, const Shot &shot)
 {
     if (!m_window && !m_sink)
         return;
-    if (Follower *follower = m_view->follower()) {
-        std::vector<cv::Rect> boxes;
-        for (const QSharedPointer<kelDataBlob> &blob : shot.blobs)
-            boxes.push_back(blob->getBoundingBox2D());
-        shot.index = follower->frameCount();
-        follower->add(stamp, boxes);
-    }
+    std::vector<cv::Rect> boxes;
+    for (const QSharedPointer<kelDataBlob> &blob : shot.blobs)
+        boxes.push_back(blob->getBoundingBox2D());
+    const int index = m_view->add(stamp, boxes);
     const int number = static_cast<int>(stamp.getFrameNumber());
     const bool draw = m_sink && number % m_settings.renderEvery == 0;
     if (!draw && !m_window)
         return;
     m_view->setFrameRate(framesPerSecond());
-    m_view->showShot(shot);
+    m_view->showShot(index, shot);
     if (draw)
         m_sink->add(stamp.getFrameNumber(), m_view->picture());
     if (m_window)

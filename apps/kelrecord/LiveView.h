@@ -27,8 +27,8 @@ public:
 
     /// The run goes on behind that recording.
     void goOnBehind(const Recording &recording);
-    /// Shows or draws the next frame of the run, where that is wanted. Its index is found here.
-    void add(const CSynchronizer &stamp, Shot shot);
+    /// Shows or draws the next frame of the run, where that is wanted.
+    void add(const CSynchronizer &stamp, const Shot &shot);
 
     /// True when the user has closed the window.
     bool closed() { return m_window && !m_view->widget()->isVisible(); }

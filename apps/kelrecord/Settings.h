@@ -4,7 +4,7 @@
 /// \file
 /// What the command line of kelrecord asks for.
 
-#include "common/FrameView.h"
+#include "common/ViewSettings.h"
 #include "kelrecord/RunWriter.h"
 
 #include <QDateTime>

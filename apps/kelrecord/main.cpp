@@ -89,8 +89,7 @@ void record(const Settings &settings)
                 objects.append(blob);
             const CSynchronizer stamp = clock.stamp(number);
             writer.write(stamp, objects);
-            view.add(stamp,
-                     {0, acquisition.getImage(), segmentation.getSegmentationImage(), blobs.getBlobs()});
+            view.add(stamp, {acquisition.getImage(), segmentation.getSegmentationImage(), blobs.getBlobs()});
             ++written;
             found += static_cast<int>(objects.size());
         }

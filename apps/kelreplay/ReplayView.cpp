@@ -1,7 +1,7 @@
 #include "kelreplay/ReplayView.h"
 
-#include "common/Follower.h"
 #include "common/Program.h"
+#include "common/ViewFactory.h"
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
@@ -16,14 +16,15 @@ namespace {
 /// The smallest picture from the origin that shows every box, within reason.
 cv::Size canvasSize(const Recording &recording)
 {
-    const int largest = 8192;
+    constexpr int largest = 8192, margin = 8;
+    const cv::Size usual(640, 480);
     cv::Size size(0, 0);
     for (int i = 0; i < static_cast<int>(recording.records().size()); ++i) {
         const QRect box = boxOf(recording.record(i));
-        size.width = std::max(size.width, std::min(box.right(), largest) + 8);
-        size.height = std::max(size.height, std::min(box.bottom(), largest) + 8);
+        size.width = std::max(size.width, std::min(box.right(), largest) + margin);
+        size.height = std::max(size.height, std::min(box.bottom(), largest) + margin);
     }
-    return size.width > 8 && size.height > 8 ? size : cv::Size(640, 480);
+    return size.width > margin && size.height > margin ? size : usual;
 }
 
 /// Frames per second; 0 when the times do not tell.
@@ -63,14 +64,11 @@ cv::Mat ReplayView::background(const RecordedFrame &frame)
 void ReplayView::show(int index)
 {
     const std::vector<RecordedFrame> &frames = m_recording.frames();
-    if (Follower *follower = m_view->follower())
-        for (auto next = static_cast<size_t>(follower->frameCount()); next <= static_cast<size_t>(index);
-             ++next)
-            follower->add(frames[next].stamp(), m_recording.boxesOf(frames[next]));
+    for (auto next = static_cast<size_t>(m_view->frameCount()); next <= static_cast<size_t>(index); ++next)
+        m_view->add(frames[next].stamp(), m_recording.boxesOf(frames[next]));
 
     const RecordedFrame &frame = frames[static_cast<size_t>(index)];
     Shot shot;
-    shot.index = index;
     shot.picture.reset(new kelDataImage);
     shot.picture->setImage(background(frame));
     for (const cv::Rect &box : m_recording.boxesOf(frame)) {
@@ -78,5 +76,5 @@ void ReplayView::show(int index)
         blob->setBoundingBox2D(box);
         shot.blobs.append(blob);
     }
-    m_view->showShot(shot);
+    m_view->showShot(index, shot);
 }

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+struct ViewSettings;
+
 /// Puts recorded frames into a view: the boxes of the binary records, over the video's picture of the same
 /// number where there is a video, over black otherwise.
 class ReplayView

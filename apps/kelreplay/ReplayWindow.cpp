@@ -8,6 +8,18 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <map>
+
+namespace {
+
+constexpr int page = 25; ///< frames
+// Milliseconds that a frame is shown while playing.
+constexpr int usualPause = 40; ///< where the recording does not tell
+constexpr qint64 shortestPause = 1;
+constexpr qint64 longestPause = 5000;
+const QSize aroundView(24, 48); ///< pixels, for the line under it and the margins
+
+} // namespace
 
 ReplayWindow::ReplayWindow(const Recording &recording, const QString &video, const ViewSettings &settings)
     : m_recording(recording), m_view(recording, video, settings)
@@ -20,7 +32,7 @@ ReplayWindow::ReplayWindow(const Recording &recording, const QString &video, con
     m_view.widget()->setFocus();
     m_timer.callOnTimeout(this, &ReplayWindow::next);
     go(0);
-    resize(m_view.widget()->sizeHint() + QSize(24, 48));
+    resize(m_view.widget()->sizeHint() + aroundView);
 }
 
 bool ReplayWindow::eventFilter(QObject *, QEvent *event)
@@ -37,33 +49,25 @@ void ReplayWindow::keyPressEvent(QKeyEvent *event)
 bool ReplayWindow::handle(int key)
 {
     const int last = static_cast<int>(m_recording.frames().size()) - 1;
-    const auto step = [this](int index) {
-        play(false);
-        go(index);
-        return true;
+    const std::map<int, int> targets{
+        {Qt::Key_Left, m_current - 1},
+        {Qt::Key_Right, m_current + 1},
+        {Qt::Key_PageUp, m_current - page},
+        {Qt::Key_PageDown, m_current + page},
+        {Qt::Key_Home, 0},
+        {Qt::Key_End, last},
     };
-    switch (key) {
-    case Qt::Key_Space:
+    if (const auto target = targets.find(key); target != targets.end()) {
+        play(false);
+        go(target->second);
+    } else if (key == Qt::Key_Space) {
         play(!m_timer.isActive());
-        return true;
-    case Qt::Key_Left:
-        return step(m_current - 1);
-    case Qt::Key_Right:
-        return step(m_current + 1);
-    case Qt::Key_PageUp:
-        return step(m_current - 25);
-    case Qt::Key_PageDown:
-        return step(m_current + 25);
-    case Qt::Key_Home:
-        return step(0);
-    case Qt::Key_End:
-        return step(last);
-    case Qt::Key_Q:
+    } else if (key == Qt::Key_Q) {
         close();
-        return true;
-    default:
+    } else {
         return false;
     }
+    return true;
 }
 
 void ReplayWindow::go(int index)
@@ -98,6 +102,6 @@ void ReplayWindow::next()
     go(m_current + 1);
     const QDateTime from = frames[static_cast<size_t>(m_current) - 1].time;
     const QDateTime to = frames[static_cast<size_t>(m_current)].time;
-    const qint64 pause = from.isNull() || to.isNull() ? 40 : from.msecsTo(to);
-    m_timer.setInterval(static_cast<int>(std::clamp<qint64>(pause, 1, 5000)));
+    const qint64 pause = from.isNull() || to.isNull() ? usualPause : from.msecsTo(to);
+    m_timer.setInterval(static_cast<int>(std::clamp(pause, shortestPause, longestPause)));
 }

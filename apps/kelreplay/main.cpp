@@ -1,10 +1,10 @@
 /// \file
 /// kelreplay: reads a recorded run.
 
-#include "common/FrameView.h"
 #include "common/PictureSink.h"
 #include "common/Program.h"
 #include "common/Recording.h"
+#include "common/ViewSettings.h"
 #include "kelreplay/ReplayView.h"
 #include "kelreplay/ReplayWindow.h"
 #include "kelreplay/text.h"

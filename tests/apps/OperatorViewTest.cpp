@@ -24,10 +24,9 @@ constexpr int pictureHeight = 120;
 constexpr int timelineHeight = 480;
 
 /// A grey frame of 160 x 120 pixels.
-Shot shotOf(int index)
+Shot greyShot()
 {
     Shot shot;
-    shot.index = index;
     shot.picture.reset(new kelDataImage);
     shot.picture->setImage(cv::Mat(pictureHeight, 160, CV_8UC3, cv::Scalar(90, 90, 90)));
     return shot;
@@ -36,9 +35,7 @@ Shot shotOf(int index)
 /// Goes on with a frame of these boxes, and shows it.
 void show(OperatorView &view, const std::vector<cv::Rect> &boxes)
 {
-    const int frame = view.follower()->frameCount();
-    view.follower()->add(stampOf(frame), boxes);
-    view.showShot(shotOf(frame));
+    view.showShot(view.add(stampOf(view.frameCount()), boxes), greyShot());
 }
 
 cv::Mat upper(OperatorView &view) { return view.picture().rowRange(0, pictureHeight); }
@@ -161,13 +158,12 @@ TEST(OperatorViewTest, TheDepthKeyKeepsTheFrame)
 TEST(OperatorViewTest, TheForegroundIsShownWhereItIsKnown)
 {
     OperatorView view(Scene(), "EA");
-    view.follower()->add(stampOf(0), {square});
-    Shot shot = shotOf(0);
+    Shot shot = greyShot();
     shot.foreground.reset(new kelDataImage);
     cv::Mat mask(pictureHeight, 160, CV_8U, cv::Scalar(0));
     mask(cv::Rect(70, 80, 10, 10)) = 255;
     shot.foreground->setImage(mask);
-    view.showShot(shot);
+    view.showShot(view.add(stampOf(0), {square}), shot);
     EXPECT_EQ(upper(view).at<cv::Vec4b>(85, 75), magenta);
     EXPECT_EQ(upper(view).at<cv::Vec4b>(85, 85), grey);
 }
@@ -222,17 +218,17 @@ TEST(OperatorViewTest, AJumpShowsWhatPlayingShows)
         for (int k = 0; k < 6; ++k) // for 3 seconds each, every 15 seconds
             if (i / 30 % 5 == k % 5)
                 boxes.push_back({25 * k, 60 + i % 30, 20, 30});
-        jumping.follower()->add(stampOf(i), boxes);
+        jumping.add(stampOf(i), boxes);
         show(playing, boxes);
         if (i % 50 == 49)
             pictures.push_back(playing.picture());
     }
     for (const int k : {17, 2, 3, 16, 0, 9}) {
-        jumping.showShot(shotOf(50 * k + 49));
+        jumping.showShot(50 * k + 49, greyShot());
         EXPECT_TRUE(same(jumping.picture(), pictures[size_t(k)])) << "frame " << 50 * k + 49;
     }
-    jumping.showShot(shotOf(499));
-    jumping.showShot(shotOf(499));
+    jumping.showShot(499, greyShot());
+    jumping.showShot(499, greyShot());
     EXPECT_TRUE(same(jumping.picture(), pictures[9]));
 }
 
@@ -275,7 +271,7 @@ TEST(OperatorViewTest, TheWindowFollowsTheNewestRowsUntilTheUserScrolls)
     bar->setValue(700);
     newActor();
     EXPECT_EQ(bar->value(), 700);
-    view.showShot(shotOf(58)); // back: a new timeline
+    view.showShot(58, greyShot()); // back: a new timeline
     EXPECT_EQ(bar->value(), 700);
     EXPECT_EQ(view.picture().rows, pictureHeight + timelineHeight);
 }
@@ -285,7 +281,7 @@ TEST(OperatorViewTest, NothingInTheViewTakesTheKeysAway)
     OperatorView view((Scene()));
     EXPECT_EQ(view.focusPolicy(), Qt::StrongFocus);
     show(view, {square});
-    view.showShot(shotOf(0)); // a new timeline
+    view.showShot(0, greyShot()); // a new timeline
     for (const QWidget *part : view.findChildren<QWidget *>())
         // A viewport asks its area.
         EXPECT_TRUE(part->focusProxy() || part->focusPolicy() == Qt::NoFocus)
@@ -296,9 +292,9 @@ TEST(OperatorViewTest, FramesWithoutATimeAreShown)
 {
     OperatorView view((Scene()));
     for (int i = 0; i < 20; ++i)
-        view.follower()->add(CSynchronizer(), {square});
+        view.add(CSynchronizer(), {square});
     for (const int frame : {0, 1, 19, 3}) {
-        view.showShot(shotOf(frame));
+        view.showShot(frame, greyShot());
         EXPECT_GT(count(timeline(view), cyan), 0) << frame;
     }
 }

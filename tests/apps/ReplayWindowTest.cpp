@@ -1,6 +1,7 @@
 #include "kelreplay/ReplayWindow.h"
 
 #include "common/OperatorView.h"
+#include "common/ViewSettings.h"
 
 #include "apps/scenes.h"
 #include "support/Capture.h"

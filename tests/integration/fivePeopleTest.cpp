@@ -10,6 +10,7 @@
 #include <kelCore/view/kelViewRGBD.h>
 
 #include "support/Capture.h"
+#include "support/SceneData.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -39,26 +40,14 @@
 
 namespace {
 
-/// Recorded data lies beside the project, where there is any.
-QString recorded(const char *name)
-{
-    return QStringLiteral(KEL_SOURCE_DIR "/../shared/data/five_people/five_people_") + name;
-}
-
-QString colorFile() { return recorded("color.png"); }
-QString depthFile() { return recorded("depth_mm.png"); }
-
-#define SKIP_WITHOUT_ROOM()                                                                                  \
-    if (!QFileInfo::exists(colorFile()) || !QFileInfo::exists(depthFile()))                                  \
-    GTEST_SKIP() << "there is no recorded scene " << colorFile().toStdString()
+QString colorFile() { return fivePeopleScene.file("five_people_color.png"); }
+QString depthFile() { return fivePeopleScene.file("five_people_depth_mm.png"); }
 
 /// Types keys into the view, and draws.
 void type(const char *keys, kelViewRGBD &view)
 {
-    for (const QChar key : QString(keys)) {
-        QKeyEvent press(QEvent::KeyPress, key.unicode(), Qt::NoModifier);
-        QCoreApplication::sendEvent(view.widget(), &press);
-    }
+    for (const QChar key : QString(keys))
+        view.switches().press(key.unicode());
     view.updateDisplay();
 }
 
@@ -111,7 +100,7 @@ class fivePeopleTest : public TemporaryFolder
 protected:
     void SetUp() override
     {
-        SKIP_WITHOUT_ROOM();
+        SKIP_WITHOUT(fivePeopleScene);
         OutputCapture output;
         room = std::make_unique<FivePeople>(colorFile(), depthFile());
         fit = QString::fromStdString(output.take());
@@ -539,7 +528,7 @@ TEST_F(rgbdFrameTest, WithoutADisplayItAsksForFiles)
 
 TEST_F(rgbdFrameTest, ThePicturesAreThoseOfTheViews)
 {
-    SKIP_WITHOUT_ROOM();
+    SKIP_WITHOUT(fivePeopleScene);
     const Ended ended =
         run({colorFile(), depthFile(), "--keys", "gzI", "--out", "out.png", "--timeline", "line.png"});
     ASSERT_EQ(ended.code, 0) << ended;

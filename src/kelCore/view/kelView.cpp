@@ -3,23 +3,52 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataPhysicalObject.h>
-#include <kelCore/view/kelBoxItems_p.h>
-#include <kelCore/view/kelScenePicture_p.h>
+#include <kelCore/view/internal/kelSceneDrawing.h>
+#include <kelCore/view/internal/kelSceneItems.h>
+#include <kelCore/view/internal/kelScenePicture.h>
+
+#include <QGraphicsPixmapItem>
+
+namespace {
+
+void showScene(kelViewPrivate &d)
+{
+    d.view = new QGraphicsView;
+    d.view->setRenderHint(QPainter::Antialiasing);
+    d.view->setScene(&d.scene);
+    d.items = std::make_shared<kelSceneItems>(d.scene, std::vector{&d.acquisitionItem, &d.segmentationItem},
+                                              std::vector{&d.blobItems, &d.physicalObjectItems});
+}
+
+/// Makes the two pictures that are missing: a copy has taken them with it, or somebody has deleted them.
+void makeMissingItems(kelViewPrivate &d)
+{
+    if (d.acquisitionItem && d.segmentationItem)
+        return;
+    // From the top down, each underneath all that is there already.
+    for (QGraphicsPixmapItem **field : {&d.segmentationItem, &d.acquisitionItem}) {
+        d.items->filled(*field);
+        const QList<QGraphicsItem *> stack = d.scene.items(Qt::AscendingOrder);
+        if ((*field)->scene() == &d.scene)
+            (*field)->stackBefore(stack.first()->topLevelItem());
+    }
+}
+
+} // namespace
 
 kelViewPrivate::kelViewPrivate()
 {
-    showScene();
-    makeMissingItems();
+    showScene(*this);
+    makeMissingItems(*this);
 }
 
 kelViewPrivate::kelViewPrivate(const kelViewPrivate &other)
-    : nubAbstractViewPrivate(other), acquisitionItem(other.acquisitionItem),
-      segmentationItem(other.segmentationItem), display(other.display)
+    : nubAbstractViewPrivate(other), display(other.display)
 {
-    showScene();
-    for (QGraphicsPixmapItem *item : {acquisition(), segmentation()})
-        if (item->scene() != &scene)
-            scene.addItem(item);
+    showScene(*this);
+    items->take(acquisitionItem, other.acquisitionItem);
+    items->take(segmentationItem, other.segmentationItem);
+    makeMissingItems(*this);
 }
 
 kelViewPrivate::~kelViewPrivate()
@@ -28,43 +57,20 @@ kelViewPrivate::~kelViewPrivate()
     delete view;
 }
 
-void kelViewPrivate::showScene()
-{
-    view = new QGraphicsView;
-    view->setRenderHint(QPainter::Antialiasing);
-    view->setScene(&scene);
-}
-
-QGraphicsPixmapItem *kelViewPrivate::acquisition()
-{
-    makeMissingItems();
-    return acquisitionItem.get();
-}
-
-QGraphicsPixmapItem *kelViewPrivate::segmentation()
-{
-    makeMissingItems();
-    return segmentationItem.get();
-}
-
-/// Makes the items again when a copy has taken them with it, underneath the rectangles that are there
-/// already.
-void kelViewPrivate::makeMissingItems()
-{
-    if (acquisitionItem.get() && segmentationItem.get())
-        return;
-    const QList<QGraphicsItem *> above = scene.items(Qt::AscendingOrder);
-    for (QGraphicsPixmapItem *item : {acquisitionItem.in(scene), segmentationItem.in(scene)})
-        if (!above.isEmpty())
-            item->stackBefore(above.first());
-}
-
 kelView::kelView() : nubAbstractView(*new kelViewPrivate) { }
+
+kelView::kelView(kelViewPrivate &dd, QObject *parent) : nubAbstractView(dd, parent) { }
 
 kelView::kelView(const kelView &other) : nubAbstractView(*new kelViewPrivate(*other.d_func()), other.parent())
 { }
 
 kelView::~kelView() = default;
+
+kelView &kelView::operator=(const kelView &other)
+{
+    copy(other);
+    return *this;
+}
 
 QWidget *kelView::widget() { return d_func()->view; }
 
@@ -75,9 +81,9 @@ void kelView::setAcquisitionImage(QSharedPointer<kelDataImage> image)
     Q_D(kelView);
     if (!image || !kelScenePicture::hasPixels(*image))
         return;
-    QGraphicsPixmapItem *item = d->acquisition();
-    item->setPixmap(kelScenePicture::fromBgr(image->getImage()));
-    d->scene.setSceneRect(item->boundingRect());
+    makeMissingItems(*d);
+    d->acquisitionItem->setPixmap(kelScenePicture::fromBgr(image->getImage()));
+    d->scene.setSceneRect(d->acquisitionItem->boundingRect());
     if (d->view)
         d->view->adjustSize();
 }
@@ -87,19 +93,21 @@ void kelView::setSegmentationImage(QSharedPointer<kelDataImage> image)
     Q_D(kelView);
     if (!image)
         return;
-    kelScenePicture::showMask(*d->segmentation(), *image);
+    makeMissingItems(*d);
+    kelScenePicture::showMask(*d->segmentationItem, *image);
 }
 
 void kelView::setBlobs(QList<QSharedPointer<kelDataBlob>> blobs)
 {
     Q_D(kelView);
-    kelBoxItems::replace(d->scene, d->blobItems, blobs, Qt::magenta);
+    d->items->replace(d->blobItems, blobs, kelSceneDrawing::outline(kelSceneDrawing::blobColor));
 }
 
 void kelView::setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects)
 {
     Q_D(kelView);
-    kelBoxItems::replace(d->scene, d->physicalObjectItems, objects, Qt::cyan);
+    d->items->replace(d->physicalObjectItems, objects,
+                      kelSceneDrawing::outline(kelSceneDrawing::physicalObjectColor));
 }
 
 void kelView::updateDisplay()
@@ -107,7 +115,7 @@ void kelView::updateDisplay()
     Q_D(kelView);
     if (!d->display)
         d->display.reset(new kelDataImage);
-    kelScenePicture::render(d->scene, *d->display);
+    kelScenePicture::render(d->scene, *d->display, kelScenePicture::covers(d->acquisitionItem, d->scene));
 }
 
 nubAbstractView *createKelView() { return new kelView; }

@@ -32,14 +32,19 @@ public:
     /// display image is shared.
     kelView(const kelView &other);
     ~kelView() override;
+    /// Calls `copy`, which leaves what is shown: only the copy constructor takes items over.
+    kelView &operator=(const kelView &other);
 
-    /// The `QGraphicsView` to embed. The view owns it, and copes with a parent that deletes it first.
+    /// The `QGraphicsView` to embed. The view owns it, and copes with a parent that deletes it first. Items of its
+    /// scene may be deleted, and the scene be cleared: the setters make anew what they need.
     QWidget *widget() override;
     /// The picture rendered last; null until the first `updateDisplay`.
     QSharedPointer<kelDataImage> &getDisplay();
 
-    /// Shows a frame, 8-bit in blue, green, red order, and fits scene and widget to it. OpenCV's colour
-    /// conversion throws for what it cannot convert, such as two channels.
+    /// Shows a frame and fits scene and widget to it: three channels in blue, green, red order, one, grey, or four,
+    /// whose last is left out. 8 bits are shown as they are; of 16 bits, 65535 is white; of floats, 1 is white. What
+    /// lies outside 0 to 1 is the nearer of the two, and no number is black.
+    /// \throws cv::Exception for other numbers of channels and other depths; what was shown before stays.
     void setAcquisitionImage(QSharedPointer<kelDataImage> image);
     /// Paints the frame black where the mask, one-channel 8-bit, is 255; an image without pixels hides the
     /// mask.
@@ -56,6 +61,10 @@ public:
     /// in memory order blue, green, red, 255. The picture owns its pixels; a matrix that still holds the
     /// picture before keeps it as it is. While nothing was set yet, the display image stays empty.
     void updateDisplay();
+
+protected:
+    /// For a class with a private class of its own, derived from kelViewPrivate; takes `dd` over.
+    explicit kelView(kelViewPrivate &dd, QObject *parent = nullptr);
 
 private:
     Q_DECLARE_PRIVATE_D(nub_d, kelView)

@@ -2,8 +2,8 @@
 #include <kelCore/view/kelViewEventTimeline_p.h>
 
 #include <kelCore/data/kelDataEvent.h>
+#include <kelCore/view/internal/kelSceneItems.h>
 
-#include <QGraphicsPixmapItem>
 #include <QPainter>
 
 #include <algorithm>
@@ -11,11 +11,19 @@
 
 namespace {
 
-constexpr qint64 timeSpan = 64000; ///< Milliseconds.
 constexpr qint64 timePerPixel = 100; ///< Milliseconds.
 constexpr int rightEdge = 640; ///< Where the time of the frame stands, whatever the widget's width.
-constexpr int firstRow = 50; ///< Base line of the labels.
-constexpr int rowHeight = 20;
+
+// Pixels. A row reaches from the upper edge of its bar to that of the next; its label stands on the base line.
+constexpr int barWidth = 18;
+constexpr int barAboveBase = 5;
+constexpr int firstBase = kelViewEventTimeline::headerHeight + barWidth / 2 + barAboveBase;
+constexpr int belowLastRow = 4; ///< For what reaches under the base line.
+constexpr int labelLeft = 2;
+constexpr int timeColumn = 200; ///< The header's line between labels and bars.
+constexpr int headerLine = 30;
+constexpr QPoint labelsHeading(labelLeft, 20);
+constexpr QPoint timeHeading(400, 20);
 
 const struct
 {
@@ -59,24 +67,40 @@ void paintTimeline(QPainter &painter, const QRect &area, const kelViewEventTimel
     painter.fillRect(area, Qt::white);
     painter.setPen(thickPen(Qt::black, 2.0));
     painter.setFont(bigFont);
-    painter.drawText(2, 20, QStringLiteral("Actors/Events"));
-    painter.drawText(400, 20, QStringLiteral("Time"));
-    painter.drawLine(200, 0, 200, 30);
-    painter.drawLine(0, 30, area.width(), 30);
+    painter.drawText(labelsHeading, QStringLiteral("Actors/Events"));
+    painter.drawText(timeHeading, QStringLiteral("Time"));
+    painter.drawLine(timeColumn, 0, timeColumn, headerLine);
+    painter.drawLine(0, headerLine, area.width(), headerLine);
 
     painter.setFont(smallFont);
-    int y = firstRow;
+    int y = firstBase;
     for (const DataEvent &row : d.shownEvents) {
         // A row of another level keeps the pen that was set last, the header's or the label's: deliberate.
         for (const auto &bar : barColors)
             if (row.alarmLevel == bar.alarmLevel)
-                painter.setPen(thickPen(bar.color, 18.0));
+                painter.setPen(thickPen(bar.color, barWidth));
         for (const auto &[begin, end] : row.intervals)
-            painter.drawLine(xOf(begin, d.shownTime), y - 5, xOf(end, d.shownTime), y - 5);
+            painter.drawLine(xOf(begin, d.shownTime), y - barAboveBase, xOf(end, d.shownTime),
+                             y - barAboveBase);
         painter.setPen(Qt::black);
-        painter.drawText(2, y, QString::number(row.actorId) + QLatin1Char('/') + row.name);
-        y += rowHeight;
+        painter.drawText(labelLeft, y, QString::number(row.actorId) + QLatin1Char('/') + row.name);
+        y += kelViewEventTimeline::rowHeight;
     }
+}
+
+/// The name as a row keeps it: different for different bytes. The bytes of a name that is no UTF-8 become lone
+/// surrogates, which no text holds; painted, each is a replacement character.
+QString rowName(const std::string &bytes)
+{
+    const QString text = QString::fromStdString(bytes);
+    if (text.toStdString() == bytes)
+        return text;
+    QString kept;
+    for (const char c : bytes) {
+        const auto byte = static_cast<uchar>(c);
+        kept += QChar(byte < 0x80 ? byte : 0xdc00 + byte);
+    }
+    return kept;
 }
 
 /// Paints the timeline in its paint handler: no platform lets `updateDisplay` paint by itself.
@@ -110,12 +134,19 @@ private:
 } // namespace
 
 kelViewEventTimelinePrivate::kelViewEventTimelinePrivate()
-    : view(new TimelineWidget(*this)), pixmapItem(scene.addPixmap(QPixmap()))
-{ }
+    : view(new TimelineWidget(*this)),
+      sceneItems(std::make_shared<kelSceneItems>(scene, std::vector{&pixmapItem}, std::vector{&items}))
+{
+    sceneItems->filled(pixmapItem);
+}
 
 kelViewEventTimelinePrivate::~kelViewEventTimelinePrivate() { delete view; }
 
 kelViewEventTimeline::kelViewEventTimeline() : nubAbstractView(*new kelViewEventTimelinePrivate) { }
+
+kelViewEventTimeline::kelViewEventTimeline(kelViewEventTimelinePrivate &dd, QObject *parent)
+    : nubAbstractView(dd, parent)
+{ }
 
 kelViewEventTimeline::~kelViewEventTimeline() = default;
 
@@ -136,8 +167,7 @@ void kelViewEventTimeline::setEvents(std::list<QSharedPointer<kelDataEvent>> eve
     for (const QSharedPointer<kelDataEvent> &event : events) {
         if (!event)
             continue;
-        // Converted before it is compared: a name that is no UTF-8 would otherwise never find its row again.
-        const QString name = QString::fromStdString(event->getSEDName());
+        const QString name = rowName(event->getSEDName());
         const int actorId = event->getInvolvedActorId();
         const std::pair<CSynchronizer, CSynchronizer> interval(event->getSEDBegin(), event->getSEDEnd());
         const auto row = std::find_if(dataEvents.begin(), dataEvents.end(), [&](const DataEvent &candidate) {
@@ -161,6 +191,17 @@ void kelViewEventTimeline::removeOldEvents()
             row.intervals.pop_front();
         return row.intervals.empty();
     });
+}
+
+void kelViewEventTimeline::clear()
+{
+    dataEvents.clear();
+    currentTime = CSynchronizer();
+}
+
+int kelViewEventTimeline::contentHeight() const
+{
+    return headerHeight + rowHeight * static_cast<int>(dataEvents.size()) + belowLastRow;
 }
 
 void kelViewEventTimeline::updateDisplay()

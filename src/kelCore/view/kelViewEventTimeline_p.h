@@ -11,6 +11,10 @@
 #include <QGraphicsView>
 #include <QPointer>
 
+#include <memory>
+
+class kelSceneItems;
+
 class KELCORE_EXPORT kelViewEventTimelinePrivate : public nubAbstractViewPrivate
 {
 public:
@@ -20,13 +24,15 @@ public:
     // Nothing draws into the scene: the view paints the timeline instead of it.
     QGraphicsScene scene;
     QPointer<QGraphicsView> view; ///< Owned, but a parent that the application gave it may delete it first.
-    QGraphicsPixmapItem *pixmapItem; ///< The scene's.
+    QGraphicsPixmapItem *pixmapItem = nullptr; ///< The scene's; null when somebody has deleted it.
     QList<QGraphicsItem *> items;
 
     // What the widget paints, whenever it does: the state at the last `updateDisplay`.
     bool shown = false; ///< Until the first one it paints as a plain view.
     std::list<DataEvent> shownEvents;
     CSynchronizer shownTime;
+
+    std::shared_ptr<kelSceneItems> sceneItems; ///< Looks after the items.
 };
 
 #endif

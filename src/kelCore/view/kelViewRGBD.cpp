@@ -3,119 +3,51 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataPhysicalObject.h>
-#include <kelCore/view/kelBoxItems_p.h>
-#include <kelCore/view/kelScenePicture_p.h>
+#include <kelCore/view/internal/kelConvexEnvelope.h>
+#include <kelCore/view/internal/kelNearestInt.h>
+#include <kelCore/view/internal/kelNumberText.h>
+#include <kelCore/view/internal/kelPixelsItem.h>
+#include <kelCore/view/internal/kelSceneDrawing.h>
+#include <kelCore/view/internal/kelSceneItems.h>
+#include <kelCore/view/internal/kelScenePicture.h>
 
-#include <QBrush>
-#include <QFont>
-#include <QGraphicsTextItem>
+#include <QGraphicsPixmapItem>
 #include <QPainter>
-#include <QPen>
-#include <QPolygonF>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
 
 namespace {
 
-QFont verdana(int pointSize, QFont::Weight weight = QFont::Normal)
+using kelSceneDrawing::addPolygon;
+using kelSceneDrawing::addText;
+using kelSceneDrawing::outline;
+using kelSceneDrawing::verdana;
+
+// Where texts stand, in pixels of the picture: it is taken to have 640 x 480.
+const QPointF promptPosition(100, 220);
+const QPointF frameRatePosition(565, 3);
+const QPointF eventsHeadingPosition(3, 3);
+constexpr int eventsLeft = 5;
+constexpr int firstEvent = 30;
+constexpr int eventHeight = 22;
+constexpr int labelHeight = 15;
+
+/// Where the middle one of an actor's three labels stands: above the box where there is room, otherwise below
+/// it, otherwise at its right or its left.
+QPointF labelPosition(const cv::Rect &box)
 {
-    return QFont(QStringLiteral("Verdana"), pointSize, weight);
-}
+    constexpr int pictureWidth = 640;
+    constexpr int roomAbove = 50;
+    constexpr int lowestBottom = 429; // of a box with room for labels below it
+    constexpr int above = 40, below = 15, inside = 10;
+    constexpr int atRight = 5, atLeft = 140;
 
-std::vector<QColor> palette()
-{
-    return {Qt::cyan,      Qt::magenta,  Qt::yellow,   Qt::green,       Qt::blue,       Qt::red,
-            Qt::black,     Qt::darkGray, Qt::darkCyan, Qt::darkMagenta, Qt::darkYellow, Qt::white,
-            Qt::darkGreen, Qt::darkBlue, Qt::darkRed,  Qt::lightGray};
-}
-
-/// A 2 x 2 ellipse at each of a set of pixels, which is not empty.
-///
-/// One item for all: fifty thousand ellipse items would take far longer to make than to draw. The picture is
-/// the one that an item for each ellipse would give.
-class PixelsItem : public QGraphicsItem
-{
-public:
-    PixelsItem(const std::list<cv::Point> &pixels, const QPen &pen)
-        : m_pixels(pixels.begin(), pixels.end()), m_pen(pen)
-    {
-        cv::Point low = pixels.front();
-        cv::Point high = low;
-        for (const cv::Point &pixel : m_pixels) {
-            low = {std::min(low.x, pixel.x), std::min(low.y, pixel.y)};
-            high = {std::max(high.x, pixel.x), std::max(high.y, pixel.y)};
-        }
-        const qreal margin = pen.widthF() / 2;
-        m_box = (ellipse(low) | ellipse(high)).adjusted(-margin, -margin, margin, margin);
-    }
-
-    QRectF boundingRect() const override { return m_box; }
-
-    void paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *) override
-    {
-        const auto *image = dynamic_cast<const QImage *>(painter->device());
-        if (image && image->format() == QImage::Format_RGB32 && paintsWholePixels(*painter))
-            return stamp(*painter, image->rect());
-        painter->setPen(m_pen);
-        painter->setBrush(Qt::NoBrush);
-        for (const cv::Point &pixel : m_pixels)
-            painter->drawEllipse(ellipse(pixel));
-    }
-
-private:
-    static QRectF ellipse(const cv::Point &pixel) { return QRectF(pixel.x, pixel.y, 2, 2); }
-
-    /// Neither smoothed nor mixed nor scaled, and in steps of whole pixels.
-    static bool paintsWholePixels(const QPainter &painter)
-    {
-        const QTransform &transform = painter.deviceTransform();
-        return !painter.testRenderHint(QPainter::Antialiasing)
-            && painter.compositionMode() == QPainter::CompositionMode_SourceOver
-            && transform.type() <= QTransform::TxTranslate && transform.dx() == std::rint(transform.dx())
-            && transform.dy() == std::rint(transform.dy());
-    }
-
-    /// Such an ellipse is four pixels: those beside the one in its middle. They are put into a picture of
-    /// their own, many times as fast as the painter draws ellipses.
-    /// \param device the pixels of the device, in its own coordinates.
-    void stamp(QPainter &painter, const QRect &device) const
-    {
-        const QPointF origin = painter.deviceTransform().map(QPointF(0, 0));
-        const QRect area = (m_box.translated(origin) & QRectF(device)).toAlignedRect();
-        if (area.isEmpty())
-            return;
-        QImage picture(area.size(), QImage::Format_ARGB32_Premultiplied);
-        picture.fill(Qt::transparent);
-        auto *const pixels = reinterpret_cast<QRgb *>(picture.bits());
-        const int width = picture.width();
-        const int height = picture.height();
-        const QRgb color = m_pen.color().rgba();
-        const QPoint corner = area.topLeft() - origin.toPoint();
-        for (const cv::Point &pixel : m_pixels) {
-            for (const cv::Point &step :
-                 {cv::Point(1, 0), cv::Point(0, 1), cv::Point(2, 1), cv::Point(1, 2)}) {
-                const qint64 x = qint64(pixel.x) + step.x - corner.x();
-                const qint64 y = qint64(pixel.y) + step.y - corner.y();
-                if (x >= 0 && x < width && y >= 0 && y < height)
-                    pixels[y * width + x] = color;
-            }
-        }
-        painter.drawImage(corner, picture);
-    }
-
-    std::vector<cv::Point> m_pixels;
-    QPen m_pen;
-    QRectF m_box;
-};
-
-/// The nearest integer, ties to even; what no int can hold becomes the nearest one, not-a-number INT_MIN.
-int toInt(double coordinate)
-{
-    if (!(coordinate > INT_MIN))
-        return INT_MIN;
-    return coordinate < INT_MAX ? static_cast<int>(std::rint(coordinate)) : INT_MAX;
+    const qreal right = qreal(box.x) + box.width;
+    const qreal bottom = qreal(box.y) + box.height;
+    if (box.y > roomAbove)
+        return QPointF(box.x, qreal(box.y) - above);
+    if (bottom <= lowestBottom)
+        return QPointF(box.x, bottom + below);
+    return QPointF(box.x < pictureWidth - right ? right + atRight : qreal(box.x) - atLeft,
+                   qreal(box.y) + inside);
 }
 
 cv::Point3f toFloat(const cv::Point3d &point)
@@ -123,22 +55,56 @@ cv::Point3f toFloat(const cv::Point3d &point)
     return cv::Point3f(static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z));
 }
 
-/// Side of the line through `a` and `b` on which `p` lies; 0 on the line.
-double side(const cv::Point2d &a, const cv::Point2d &b, const cv::Point2d &p)
+/// The view's palette, filled where it is first wanted: an operation may draw before any `updateDisplay`.
+const std::vector<QColor> &paletteOf(kelViewRGBDPrivate &d)
 {
-    return (b.y - a.y) * p.x + (a.x - b.x) * p.y + (b.x * a.y - a.x * b.y);
+    if (d.colors.empty())
+        d.colors = kelSceneDrawing::palette();
+    return d.colors;
 }
 
-/// Millimetres as whole centimetres.
-int centimetres(float millimetres) { return toInt(std::trunc(static_cast<double>(millimetres))) / 10; }
-
-/// Rounded down to hundredths, with two decimals.
-QString hundredths(double number)
+const QColor &colorOf(unsigned int id, kelViewRGBDPrivate &d)
 {
-    const QString text = QString::number(std::floor(number * 100) / 100, 'f', 6);
-    const auto point = text.indexOf(QLatin1Char('.'));
-    return point < 0 ? text : text.left(point + 3);
+    const std::vector<QColor> &palette = paletteOf(d);
+    return palette[id % palette.size()];
 }
+
+/// Adds the frame or the depth map, as the switches say, and fits scene and widget to it; null when there is
+/// none.
+QGraphicsPixmapItem *drawBackground(kelViewRGBDPrivate &d)
+{
+    const QSharedPointer<kelDataImage> &image = d.scene.showDepth ? d.acquisitionDepth : d.acquisitionImage;
+    if (!image || !kelScenePicture::hasPixels(*image)) {
+        d.scene.showDepth = false;
+        return nullptr;
+    }
+    const QPixmap pixmap = d.scene.showDepth ? kelScenePicture::fromDepth(image->getImage())
+                                             : kelScenePicture::fromBgr(image->getImage());
+    QGraphicsPixmapItem *item = d.scene.addPixmap(pixmap);
+    d.scene.setSceneRect(pixmap.rect());
+    if (d.view)
+        d.view->adjustSize();
+    return item;
+}
+
+/// What the switches turn on and off, from the bottom up.
+const struct
+{
+    bool MyQGraphicsScene::*shown;
+    void (*draw)(kelViewRGBD &view);
+} overlays[] = {
+    {&MyQGraphicsScene::showGroundPlane, [](kelViewRGBD &view) { view.drawGroundPlane(); }},
+    {&MyQGraphicsScene::showGroundPoints, [](kelViewRGBD &view) { view.drawListOfGroundPoints(); }},
+    {&MyQGraphicsScene::showZones, [](kelViewRGBD &view) { view.drawZones(); }},
+    {&MyQGraphicsScene::showActors, [](kelViewRGBD &view) { view.drawActors(); }},
+    {&MyQGraphicsScene::showPointsDEBUG, [](kelViewRGBD &view) { view.drawListOfPointsDEBUG(); }},
+    {&MyQGraphicsScene::showBlobs, [](kelViewRGBD &view) { view.drawBlobs(); }},
+    {&MyQGraphicsScene::showTrajectories,
+     [](kelViewRGBD &view) { view.drawTraj(view.switches().trajectoryLength); }},
+    {&MyQGraphicsScene::showEvents, [](kelViewRGBD &view) { view.drawEvents(); }},
+    {&MyQGraphicsScene::showActorInfos, [](kelViewRGBD &view) { view.drawActorInfos(); }},
+    {&MyQGraphicsScene::showFeet, [](kelViewRGBD &view) { view.drawFeet(); }},
+};
 
 } // namespace
 
@@ -147,8 +113,10 @@ kelViewRGBDPrivate::kelViewRGBDPrivate() : depthItem(new QGraphicsPixmapItem)
     view = new QGraphicsView;
     view->setRenderHint(QPainter::Antialiasing);
     view->setScene(&scene);
-    acquisitionItem.in(scene);
-    segmentationItem.in(scene);
+    items = std::make_shared<kelSceneItems>(scene, std::vector{&acquisitionItem, &segmentationItem},
+                                            std::vector{&blobItems, &physicalObjectItems});
+    items->filled(acquisitionItem);
+    items->filled(segmentationItem);
 }
 
 kelViewRGBDPrivate::~kelViewRGBDPrivate()
@@ -157,63 +125,15 @@ kelViewRGBDPrivate::~kelViewRGBDPrivate()
     delete view;
 }
 
-void kelViewRGBDPrivate::clearScene()
-{
-    scene.clear();
-    blobItems.clear();
-    physicalObjectItems.clear();
-}
-
-bool kelViewRGBDPrivate::drawBackground()
-{
-    const QSharedPointer<kelDataImage> &image = scene.showDepth ? acquisitionDepth : acquisitionImage;
-    if (!image || !kelScenePicture::hasPixels(*image)) {
-        scene.showDepth = false;
-        return false;
-    }
-    const QPixmap pixmap = scene.showDepth ? kelScenePicture::fromDepth(image->getImage())
-                                           : kelScenePicture::fromBgr(image->getImage());
-    scene.addPixmap(pixmap);
-    scene.setSceneRect(pixmap.rect());
-    if (view)
-        view->adjustSize();
-    return true;
-}
-
-void kelViewRGBDPrivate::drawText(const QString &text, const QFont &font, const QColor &color, qreal x,
-                                  qreal y)
-{
-    // The text comes last: it would be laid out anew for each of the others.
-    auto *item = new QGraphicsTextItem;
-    item->setFont(font);
-    item->setDefaultTextColor(color);
-    item->setPos(x, y);
-    item->setPlainText(text);
-    scene.addItem(item);
-}
-
-void kelViewRGBDPrivate::drawPolygon(const std::vector<cv::Point> &corners, const QColor &line,
-                                     const QColor &filling)
-{
-    QPolygonF polygon;
-    for (const cv::Point &corner : corners)
-        polygon << QPointF(corner.x, corner.y);
-    if (!polygon.isEmpty())
-        scene.addPolygon(polygon, QPen(line, 2), filling);
-}
-
-const QColor &kelViewRGBDPrivate::color(unsigned int index)
-{
-    if (colors.empty())
-        colors = palette();
-    return colors[index % colors.size()];
-}
-
 kelViewRGBD::kelViewRGBD() : nubAbstractView(*new kelViewRGBDPrivate) { }
+
+kelViewRGBD::kelViewRGBD(kelViewRGBDPrivate &dd, QObject *parent) : nubAbstractView(dd, parent) { }
 
 kelViewRGBD::~kelViewRGBD() = default;
 
 QWidget *kelViewRGBD::widget() { return d_func()->view; }
+
+MyQGraphicsScene &kelViewRGBD::switches() { return d_func()->scene; }
 
 QSharedPointer<kelDataImage> &kelViewRGBD::getDisplay() { return d_func()->display; }
 
@@ -279,80 +199,63 @@ void kelViewRGBD::setSegmentationImage(QSharedPointer<kelDataImage> image)
 {
     Q_D(kelViewRGBD);
     if (image)
-        kelScenePicture::showMask(*d->segmentationItem.in(d->scene), *image);
+        kelScenePicture::showMask(*d->items->filled(d->segmentationItem), *image);
 }
 
 void kelViewRGBD::setBlobs(QList<QSharedPointer<kelDataBlob>> blobs)
 {
     Q_D(kelViewRGBD);
-    kelBoxItems::replace(d->scene, d->blobItems, blobs, Qt::magenta);
+    d->items->replace(d->blobItems, blobs, outline(kelSceneDrawing::blobColor));
 }
 
 void kelViewRGBD::setPhysicalObjects(QList<QSharedPointer<kelDataPhysicalObject>> objects)
 {
     Q_D(kelViewRGBD);
-    kelBoxItems::replace(d->scene, d->physicalObjectItems, objects, Qt::cyan);
+    d->items->replace(d->physicalObjectItems, objects, outline(kelSceneDrawing::physicalObjectColor));
 }
 
 void kelViewRGBD::updateDisplay()
 {
     Q_D(kelViewRGBD);
     const MyQGraphicsScene &shown = d->scene;
-    d->clearScene();
+    d->scene.clear();
     if (!shown.displayEnabled) {
-        d->drawText(QStringLiteral("PRESS ESC TO ACTIVATE DISPLAY"), verdana(20), Qt::red, 100, 220);
+        addText(d->scene, QStringLiteral("PRESS ESC TO ACTIVATE DISPLAY"), verdana(20), Qt::red,
+                promptPosition);
         if (shown.showFrameRate)
             drawFrameRate();
         return;
     }
 
-    if (d->colors.empty())
-        initColors();
+    paletteOf(*d);
     if (!d->display)
         d->display.reset(new kelDataImage);
-    const bool covered = d->drawBackground();
-    d->wasCovered |= covered;
-
-    if (shown.showGroundPlane)
-        drawGroundPlane();
-    if (shown.showGroundPoints)
-        drawListOfGroundPoints();
-    if (shown.showZones)
-        drawZones();
-    if (shown.showActors)
-        drawActors();
-    if (shown.showPointsDEBUG)
-        drawListOfPointsDEBUG();
-    if (shown.showBlobs)
-        drawBlobs();
-    if (shown.showTrajectories)
-        drawTraj(shown.trajectoryLength);
-    if (shown.showEvents)
-        drawEvents();
-    if (shown.showActorInfos)
-        drawActorInfos();
-    if (shown.showFeet)
-        drawFeet();
+    const QGraphicsPixmapItem *background = drawBackground(*d);
+    d->wasCovered |= background != nullptr;
+    for (const auto &overlay : overlays)
+        if (shown.*overlay.shown)
+            overlay.draw(*this);
 
     if (d->wasCovered)
-        kelScenePicture::render(d->scene, *d->display, covered);
+        kelScenePicture::render(d->scene, *d->display, kelScenePicture::covers(background, d->scene));
     if (shown.showFrameRate) // last: on the screen, not in the picture
         drawFrameRate();
 }
 
-void kelViewRGBD::initColors() { d_func()->colors = palette(); }
+void kelViewRGBD::initColors() { d_func()->colors = kelSceneDrawing::palette(); }
 
 void kelViewRGBD::drawGroundPlane()
 {
     Q_D(kelViewRGBD);
+    constexpr int side = 3000, near = 2000, far = 8000; // millimetres
     const std::vector<double> &plane = d->groundPlaneCoef;
     const double a = plane.at(0), b = plane.at(1), c = plane.at(2), e = plane.at(3);
     std::vector<cv::Point> corners;
-    for (const cv::Point2d &xz : {cv::Point2d(-3000, 8000), cv::Point2d(3000, 8000), cv::Point2d(3000, 2000),
-                                  cv::Point2d(-3000, 2000)})
+    for (const cv::Point2d &xz :
+         {cv::Point2d(-side, far), cv::Point2d(side, far), cv::Point2d(side, near), cv::Point2d(-side, near)})
         corners.push_back(
             convertWorld2ImageFixed(toFloat(cv::Point3d(xz.x, (-a * xz.x - c * xz.y - e) / b, xz.y))));
-    d->drawPolygon(corners, Qt::green, QColor(0, 255, 0, 90));
+    addPolygon(d->scene, corners, Qt::green);
 }
 
 void kelViewRGBD::drawListOfGroundPoints()
@@ -361,7 +264,7 @@ void kelViewRGBD::drawListOfGroundPoints()
     std::list<cv::Point> points;
     for (const cv::Point3f &point : d->listOfGroundPoints)
         points.push_back(convertWorld2ImageFixed(point));
-    d->drawPolygon(computeConvexEnvelope(points), QColor(255, 215, 0), QColor(255, 215, 0, 90));
+    addPolygon(d->scene, computeConvexEnvelope(points), QColor(255, 215, 0)); // gold
 }
 
 void kelViewRGBD::drawZones()
@@ -371,7 +274,7 @@ void kelViewRGBD::drawZones()
         std::vector<cv::Point> corners;
         for (const cv::Point3d &vertex : element.polygonVertices)
             corners.push_back(convertWorld2ImageFixed(toFloat(vertex)));
-        d->drawPolygon(corners, Qt::red, QColor(255, 0, 0, 90));
+        addPolygon(d->scene, corners, Qt::red);
     }
 }
 
@@ -381,7 +284,7 @@ void kelViewRGBD::drawActors()
     for (const auto &actor : d->actors) {
         actor->getPixels(d->pixels);
         if (!d->pixels.empty())
-            d->scene.addItem(new PixelsItem(d->pixels, QPen(d->color(actor->getIdent()), 1)));
+            d->scene.addItem(new kelPixelsItem(d->pixels, QPen(colorOf(actor->getIdent(), *d), 1)));
     }
 }
 
@@ -390,7 +293,7 @@ void kelViewRGBD::drawListOfPointsDEBUG()
     Q_D(kelViewRGBD);
     for (const cv::Point3f &point : d->listOfPointsDEBUG) {
         const cv::Point p = convertWorld2ImageFixed(point);
-        d->scene.addLine(p.x, p.y, p.x, p.y, QPen(QColor(255, 0, 0), 1));
+        d->scene.addLine(p.x, p.y, p.x, p.y, QPen(Qt::red, 1));
     }
 }
 
@@ -399,7 +302,7 @@ void kelViewRGBD::drawBlobs()
     Q_D(kelViewRGBD);
     for (const auto &actor : d->actors) {
         const cv::Rect box = actor->getBoundingBox2D();
-        d->scene.addRect(box.x, box.y, box.width, box.height, QPen(d->color(actor->getIdent()), 2));
+        d->scene.addRect(box.x, box.y, box.width, box.height, outline(colorOf(actor->getIdent(), *d)));
     }
 }
 
@@ -407,7 +310,7 @@ void kelViewRGBD::drawTraj(int n)
 {
     Q_D(kelViewRGBD);
     for (const auto &actor : d->actors) {
-        const QPen pen(d->color(actor->getIdent()), 2);
+        const QPen pen = outline(colorOf(actor->getIdent(), *d));
         const auto &trajectory = actor->getTrajectory();
         cv::Point previous;
         int visited = 0;
@@ -425,14 +328,14 @@ void kelViewRGBD::drawEvents()
 {
     Q_D(kelViewRGBD);
     const QFont lines = verdana(16);
-    d->drawText(QStringLiteral("EVENT LIST : "), lines, Qt::red, 3, 3);
-    int y = 30;
+    addText(d->scene, QStringLiteral("EVENT LIST : "), lines, Qt::red, eventsHeadingPosition);
+    int y = firstEvent;
     for (const auto &event : d->events) {
         const QString text = QString::number(event->getInvolvedActorId()) + QStringLiteral(" / ")
             + QString::fromStdString(event->getSEDName()) + QStringLiteral(" [")
-            + QString::number(event->getSEDConfidence(), 'f', 6) + QStringLiteral("]");
-        d->drawText(text, lines, Qt::red, 5, y);
-        y += 22;
+            + kelNumberText::sixDecimals(event->getSEDConfidence()) + QStringLiteral("]");
+        addText(d->scene, text, lines, Qt::red, QPointF(eventsLeft, y));
+        y += eventHeight;
     }
 }
 
@@ -441,38 +344,30 @@ void kelViewRGBD::drawActorInfos()
     Q_D(kelViewRGBD);
     const QFont labels = verdana(12, QFont::Bold);
     for (const auto &actor : d->actors) {
-        const cv::Rect box = actor->getBoundingBox2D();
-        const qreal right = qreal(box.x) + box.width;
-        const qreal bottom = qreal(box.y) + box.height;
-        qreal x = box.x;
-        qreal base = box.y + 10.0;
-        if (box.y > 50)
-            base = box.y - 40.0;
-        else if (bottom <= 429)
-            base = bottom + 15;
-        else
-            x = box.x < 640 - right ? right + 5 : box.x - 140.0;
-
-        const QColor &color = d->color(actor->getIdent());
-        d->drawText(QStringLiteral("Id    : ") + QString::number(actor->getIdent()), labels, color, x,
-                    base - 15);
-        d->drawText(QStringLiteral("HeightA:")
-                        + QString::number(centimetres(actor->getInformation3D().getHeight()))
-                        + QStringLiteral("cm"),
-                    labels, color, x, base);
-        d->drawText(QStringLiteral("Speed : ") + hundredths(actor->getSpeed()) + QStringLiteral("m/s"),
-                    labels, color, x, base + 15);
+        const QString lines[] = {
+            QStringLiteral("Id    : ") + QString::number(actor->getIdent()),
+            QStringLiteral("HeightA:") + kelNumberText::centimetres(actor->getInformation3D().getHeight())
+                + QStringLiteral("cm"),
+            QStringLiteral("Speed : ") + kelNumberText::hundredths(actor->getSpeed()) + QStringLiteral("m/s"),
+        };
+        QPointF position = labelPosition(actor->getBoundingBox2D()) - QPointF(0, labelHeight);
+        for (const QString &line : lines) {
+            addText(d->scene, line, labels, colorOf(actor->getIdent(), *d), position);
+            position.ry() += labelHeight;
+        }
     }
 }
 
 void kelViewRGBD::drawFeet()
 {
     Q_D(kelViewRGBD);
+    constexpr int radius = 5, lighterPercent = 150;
     for (const auto &[id, feet] : d->actorsFeetPositions) {
-        const QPen pen(d->color(static_cast<unsigned int>(id) + 1).lighter(150), 5);
+        const QColor &color = colorOf(static_cast<unsigned int>(id) + 1, *d);
+        const QPen pen(color.lighter(lighterPercent), 5);
         for (const cv::Point3f &foot : {feet.first, feet.second}) {
             const cv::Point p = convertWorld2ImageFixed(foot);
-            d->scene.addEllipse(p.x - 5.0, p.y - 5.0, 10, 10, pen);
+            d->scene.addEllipse(qreal(p.x) - radius, qreal(p.y) - radius, 2 * radius, 2 * radius, pen);
         }
     }
 }
@@ -480,38 +375,19 @@ void kelViewRGBD::drawFeet()
 void kelViewRGBD::drawFrameRate()
 {
     Q_D(kelViewRGBD);
-    d->drawText(QStringLiteral("FPS : ") + QString::number(d->frameRate), verdana(12), Qt::red, 565, 3);
+    addText(d->scene, QStringLiteral("FPS : ") + QString::number(d->frameRate), verdana(12), Qt::red,
+            frameRatePosition);
 }
 
 cv::Point kelViewRGBD::convertWorld2ImageFixed(cv::Point3f point)
 {
     const cv::Point2d p = d_func()->calibration.worldToImage(cv::Point3d(point));
-    return cv::Point(toInt(p.x), toInt(p.y));
+    return cv::Point(kelNearestInt(p.x), kelNearestInt(p.y));
 }
 
 std::vector<cv::Point> kelViewRGBD::computeConvexEnvelope(std::list<cv::Point> points)
 {
-    if (points.empty())
-        return {};
-    points.sort([](const cv::Point &p, const cv::Point &q) { return p.y < q.y; });
-    const cv::Point pivot = points.front();
-    points.pop_front();
-    const auto angle = [&pivot](const cv::Point2d &p) { return std::atan2(p.y - pivot.y, p.x - pivot.x); };
-    points.sort([&angle](const cv::Point &p, const cv::Point &q) { return angle(p) > angle(q); });
-    points.push_back(pivot);
-
-    std::vector<cv::Point> envelope{pivot};
-    for (const cv::Point &point : points) {
-        envelope.push_back(point);
-        // The last point but one goes for as long as the last falls back behind the edge that leads to it.
-        for (std::size_t n = envelope.size(); n >= 4; --n) {
-            const cv::Point2d a = envelope[n - 3], b = envelope[n - 2];
-            if (side(a, b, envelope[n - 4]) * side(a, b, point) > 0)
-                break;
-            envelope.erase(envelope.end() - 2);
-        }
-    }
-    return envelope;
+    return kelConvexEnvelope(std::move(points));
 }
 
 nubAbstractView *createkelViewRGBD() { return new kelViewRGBD; }

@@ -6,6 +6,7 @@
 
 #include <kelCore/data/ContextElement.h>
 #include <kelCore/kelCoreExport.h>
+#include <kelCore/view/MyQGraphicsScene.h>
 #include <nubCore/nubAbstractView.h>
 
 #include <QList>
@@ -51,13 +52,16 @@ public:
     kelViewRGBD();
     ~kelViewRGBD() override;
 
-    /// The `QGraphicsView` to embed; its scene is a MyQGraphicsScene. The view owns it, and copes with a
-    /// parent that deletes it first.
+    /// The `QGraphicsView` to embed; its scene is `switches`. The view owns it, and copes with a parent that
+    /// deletes it first. Items of the scene may be deleted, and the scene be cleared.
     QWidget *widget() override;
+    /// What the view shows, to be turned by the program; the view's scene, and like it as long-lived as the view.
+    MyQGraphicsScene &switches();
     /// The picture rendered last; null until the first `updateDisplay` with the display enabled.
     QSharedPointer<kelDataImage> &getDisplay();
 
-    /// The frame, 8-bit in blue, green, red order. Null and an image without pixels leave the previous one.
+    /// The frame, of what kelView::setAcquisitionImage can show: `updateDisplay` throws for others. Null and an
+    /// image without pixels leave the previous one.
     void setAcquisitionImage(QSharedPointer<kelDataImage> image);
     /// The depth frame, one channel of any depth. Null and an image without pixels leave the previous one.
     void setAcquisitionDepth(QSharedPointer<kelDataImage> depth);
@@ -91,8 +95,9 @@ public:
     ///
     /// A missing colour frame leaves out the background; a missing depth frame does too, and turns
     /// `showDepth` off. Until there was a background, the display image stays empty. With the display
-    /// disabled, a prompt is shown and the display image stays as it is. \throws std::out_of_range when the
-    /// ground plane is shown and has fewer than four coefficients.
+    /// disabled, a prompt is shown and the display image stays as it is.
+    /// \throws std::out_of_range when the ground plane is shown and has fewer than four coefficients.
+    /// \throws cv::Exception when the colour frame is shown and cannot be.
     void updateDisplay();
 
     /// \name Drawing
@@ -126,6 +131,10 @@ public:
     /// The closed convex polygon around the points: it begins and ends with the topmost point. Empty for no
     /// points.
     std::vector<cv::Point> computeConvexEnvelope(std::list<cv::Point> points);
+
+protected:
+    /// For a class with a private class of its own, derived from kelViewRGBDPrivate; takes `dd` over.
+    explicit kelViewRGBD(kelViewRGBDPrivate &dd, QObject *parent = nullptr);
 
 private:
     Q_DISABLE_COPY(kelViewRGBD)

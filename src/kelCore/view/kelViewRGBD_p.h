@@ -9,7 +9,6 @@
 #include <kelCore/data/kelDataEvent.h>
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/view/MyQGraphicsScene.h>
-#include <kelCore/view/kelPixmapItem_p.h>
 #include <kelCore/view/kelViewRGBD.h>
 #include <nubCore/nubAbstractView_p.h>
 
@@ -18,6 +17,8 @@
 #include <QPointer>
 
 #include <memory>
+
+class kelSceneItems;
 
 class KELCORE_EXPORT kelViewRGBDPrivate : public nubAbstractViewPrivate
 {
@@ -38,26 +39,19 @@ public:
     std::list<cv::Point3f> listOfPointsDEBUG;
     std::list<cv::Point3f> listOfGroundPoints;
     std::vector<QColor> colors; ///< The palette; empty until it is used.
-    kelPixmapItem acquisitionItem;
+    // Null, or gone from the list, as soon as somebody has deleted them; the scene owns them.
+    QGraphicsPixmapItem *acquisitionItem = nullptr;
     std::unique_ptr<QGraphicsPixmapItem> depthItem; ///< Never in the scene.
-    kelPixmapItem segmentationItem;
+    QGraphicsPixmapItem *segmentationItem = nullptr;
     QList<QGraphicsItem *> blobItems;
     QList<QGraphicsItem *> physicalObjectItems;
     QSharedPointer<kelDataImage> display;
     int frameRate = 0; ///< Frames per second.
-    std::list<cv::Point>
-        pixels; ///< An actor's, while it is drawn; to fill it again costs less than a new one.
-    bool wasCovered = false; ///< There was a background once: the scene has the size of a picture.
 
-    /// Empties the scene and forgets the items that were in it.
-    void clearScene();
-    /// Adds the frame or the depth map, as the switches say, and fits scene and view to it; false when there
-    /// is none.
-    bool drawBackground();
-    void drawText(const QString &text, const QFont &font, const QColor &color, qreal x, qreal y);
-    void drawPolygon(const std::vector<cv::Point> &corners, const QColor &line, const QColor &filling);
-    /// Entry `index` of the palette, modulo its size.
-    const QColor &color(unsigned int index);
+    std::shared_ptr<kelSceneItems> items; ///< Looks after the items.
+    /// An actor's, while it is drawn; to fill it again costs less than a new one.
+    std::list<cv::Point> pixels;
+    bool wasCovered = false; ///< There was a background once: the scene has the size of a picture.
 };
 
 #endif

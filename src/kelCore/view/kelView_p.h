@@ -5,13 +5,16 @@
 /// State of kelView. Installed for code that derives from it; not part of the stable interface.
 
 #include <kelCore/data/kelDataImage.h>
-#include <kelCore/view/kelPixmapItem_p.h>
 #include <kelCore/view/kelView.h>
 #include <nubCore/nubAbstractView_p.h>
 
 #include <QGraphicsScene>
 #include <QGraphicsView>
 #include <QPointer>
+
+#include <memory>
+
+class kelSceneItems;
 
 class KELCORE_EXPORT kelViewPrivate : public nubAbstractViewPrivate
 {
@@ -21,21 +24,16 @@ public:
     kelViewPrivate(const kelViewPrivate &other);
     ~kelViewPrivate() override;
 
-    /// The item for the frame, always underneath the mask's.
-    QGraphicsPixmapItem *acquisition();
-    QGraphicsPixmapItem *segmentation();
-
     QGraphicsScene scene;
     QPointer<QGraphicsView> view; ///< Owned, but a parent that the application gave it may delete it first.
-    kelPixmapItem acquisitionItem;
-    kelPixmapItem segmentationItem;
+    // Null, or gone from the list, as soon as somebody has deleted them; the scene owns them.
+    QGraphicsPixmapItem *acquisitionItem = nullptr; ///< The frame, underneath all others.
+    QGraphicsPixmapItem *segmentationItem = nullptr; ///< The mask, over the frame.
     QList<QGraphicsItem *> blobItems;
     QList<QGraphicsItem *> physicalObjectItems;
     QSharedPointer<kelDataImage> display;
 
-private:
-    void showScene();
-    void makeMissingItems();
+    std::shared_ptr<kelSceneItems> items; ///< Looks after the items.
 };
 
 #endif

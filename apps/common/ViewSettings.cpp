@@ -1,13 +1,26 @@
-#include "common/FrameView.h"
+#include "common/ViewSettings.h"
 
-#include "common/OperatorView.h"
-#include "common/PlainView.h"
 #include "common/Program.h"
-#include "common/Scene.h"
+
+#include <kelCore/view/MyQGraphicsScene.h>
 
 #include <QCommandLineParser>
 
 #include <algorithm>
+
+namespace {
+
+/// The keys that can be given as characters.
+QString keyCharacters()
+{
+    QString characters;
+    for (const MyQGraphicsScene::Key &key : MyQGraphicsScene::keys())
+        if (const QLatin1String name(key.name); name.size() == 1)
+            characters += name;
+    return characters;
+}
+
+} // namespace
 
 void addViewOptions(QCommandLineParser &parser)
 {
@@ -33,7 +46,7 @@ ViewSettings readViewSettings(const QCommandLineParser &parser)
     settings.keys = parser.value(QStringLiteral("keys")).toUpper();
     if (parser.isSet(QStringLiteral("keys")) && settings.kind != ViewSettings::Kind::Operator)
         throw misuse(QStringLiteral("--keys are pressed in --view rgbd"));
-    const QString known = OperatorView::switchKeys();
+    const QString known = keyCharacters();
     const auto unknown = std::find_if(settings.keys.cbegin(), settings.keys.cend(),
                                       [&known](QChar key) { return !known.contains(key); });
     if (unknown != settings.keys.cend())
@@ -46,22 +59,19 @@ ViewSettings readViewSettings(const QCommandLineParser &parser)
 
 QString viewNotes()
 {
-    return QStringLiteral(
-        R"(Keys of --view rgbd, which --keys presses before the first frame:
-  on at first   B boxes, T trajectories, E events, W frame rate (in windows)
-  off at first  I id, height and speed, A pixels of the foreground (kelrecord),
-                Z elements of --context, G ground of --calibration near the camera
-  + and - lengthen and shorten the trajectories, by 5 frames. In a window Escape
-  turns the display off and on. D, F, L and P show what no video tells.
-  Heights and speeds need a --calibration in millimetres.
+    const MyQGraphicsScene atFirst;
+    QString notes = QStringLiteral("Keys of --view rgbd, which --keys presses before the first frame:\n");
+    for (const MyQGraphicsScene::Key &key : MyQGraphicsScene::keys())
+        notes += QStringLiteral("  %1 %2%3\n")
+                     .arg(QLatin1String(key.name), -6)
+                     .arg(QLatin1String(key.help),
+                          QLatin1String(key.state && atFirst.*key.state ? " (on at first)" : ""));
+    return notes
+        + QStringLiteral(
+               R"(A shows the foreground, in kelrecord; G the ground of --calibration near the
+camera; Z the elements of --context. D, F, L and P show what no video tells. The
+frame rate is seen in windows, where Escape works too. Heights and speeds need a
+--calibration in millimetres.
 
 )");
-}
-
-std::unique_ptr<FrameView> makeView(const ViewSettings &settings)
-{
-    const Scene scene(settings.calibration, settings.context);
-    if (settings.kind == ViewSettings::Kind::Operator)
-        return std::make_unique<OperatorView>(scene, settings.keys);
-    return std::make_unique<PlainView>(scene, settings.mask);
 }

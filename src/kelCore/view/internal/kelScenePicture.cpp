@@ -1,4 +1,4 @@
-#include <kelCore/view/kelScenePicture_p.h>
+#include <kelCore/view/internal/kelScenePicture.h>
 
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/geometry/internal/kelSharedMatrix.h>
@@ -7,6 +7,7 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <QGraphicsEffect>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QPainter>
@@ -29,6 +30,31 @@ cv::Mat pictureFor(const kelDataImage &display, int width, int height)
     return held;
 }
 
+/// 0 to 1 as 0 to 255. `cv::Mat::convertTo` would make black of infinity.
+uchar toByte(float value)
+{
+    if (!(value > 0)) // not-a-number too
+        return 0;
+    return value < 1 ? static_cast<uchar>(value * 255 + 0.5f) : 255;
+}
+
+/// The frame in 8 bits; one of a depth that has no scale of its own is left to the colour conversion to refuse.
+cv::Mat inBytes(const cv::Mat &frame)
+{
+    cv::Mat bytes;
+    if (frame.depth() == CV_16U) {
+        frame.convertTo(bytes, CV_8U, 1.0 / 257); // 257 times a byte is that byte
+        return bytes;
+    }
+    if (frame.depth() != CV_32F)
+        return frame;
+    bytes.create(frame.size(), CV_8UC(frame.channels()));
+    const int count = frame.cols * frame.channels();
+    for (int y = 0; y < frame.rows; ++y)
+        std::transform(frame.ptr<float>(y), frame.ptr<float>(y) + count, bytes.ptr(y), toByte);
+    return bytes;
+}
+
 } // namespace
 
 bool kelScenePicture::hasPixels(const kelDataImage &image)
@@ -39,7 +65,7 @@ bool kelScenePicture::hasPixels(const kelDataImage &image)
 QPixmap kelScenePicture::fromBgr(const cv::Mat &frame)
 {
     cv::Mat rgb;
-    cv::cvtColor(frame, rgb, cv::COLOR_BGR2RGB);
+    cv::cvtColor(inBytes(frame), rgb, frame.channels() == 1 ? cv::COLOR_GRAY2RGB : cv::COLOR_BGR2RGB);
     return QPixmap::fromImage(
         QImage(rgb.data, rgb.cols, rgb.rows, static_cast<int>(rgb.step), QImage::Format_RGB888));
 }
@@ -85,6 +111,17 @@ void kelScenePicture::showMask(QGraphicsPixmapItem &item, const kelDataImage &ma
         item.setPixmap(fromMask(mask.getImage()));
 }
 
+bool kelScenePicture::covers(const QGraphicsPixmapItem *picture, const QGraphicsScene &scene)
+{
+    if (!picture || picture->scene() != &scene || picture->parentItem() || !picture->isVisible()
+        || picture->opacity() < 1 || picture->graphicsEffect() || picture->pixmap().hasAlpha())
+        return false;
+    // In steps of whole pixels, or the edge of the picture is mixed with what lies under it.
+    const QRectF shown = picture->sceneBoundingRect();
+    return picture->sceneTransform().type() <= QTransform::TxTranslate && shown == shown.toRect()
+        && scene.sceneRect() == scene.sceneRect().toRect() && shown.contains(scene.sceneRect());
+}
+
 void kelScenePicture::render(QGraphicsScene &scene, kelDataImage &display, bool covered)
 {
     const QRectF rect = scene.sceneRect();
@@ -92,8 +129,7 @@ void kelScenePicture::render(QGraphicsScene &scene, kelDataImage &display, bool 
     const int height = qRound(rect.height());
     if (width <= 0 || height <= 0)
         return;
-    // The painter draws straight into the matrix, whose pixels are not cleared first where a frame covers
-    // them.
+    // The painter draws straight into the matrix; to clear it first takes time.
     cv::Mat picture = pictureFor(display, width, height);
     if (!covered)
         picture = cv::Scalar(0, 0, 0, 255);

@@ -1,0 +1,15 @@
+#ifndef APPS_COMMON_VIEWFACTORY_H
+#define APPS_COMMON_VIEWFACTORY_H
+
+/// \file
+/// Views by their settings.
+
+#include <memory>
+
+class FrameView;
+struct ViewSettings;
+
+/// \throws Failure when a file that the settings name cannot be read.
+std::unique_ptr<FrameView> makeView(const ViewSettings &settings);
+
+#endif
