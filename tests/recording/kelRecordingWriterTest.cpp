@@ -169,7 +169,10 @@ TEST_F(kelRecordingWriterTest, GoesOnWithWhatAnEditorAndTheStageLeave)
                     const auto written = mixed && step < 6
                         ? done(writer.write(frame.stamp, frame.objects))
                         : testing::AssertionResult(writeStated(*stage, frame));
-                    ASSERT_TRUE(written) << seed << " " << step << " " << m_messages.lines().join(QLatin1Char('\n')).right(300).toStdString() << content(QStringLiteral("dataflow.xml")).left(600).toStdString();
+                    ASSERT_TRUE(written)
+                        << seed << " " << step << " "
+                        << m_messages.lines().join(QLatin1Char('\n')).right(300).toStdString()
+                        << content(QStringLiteral("dataflow.xml")).left(600).toStdString();
                 }
             }
             ASSERT_TRUE(QDir::setCurrent(before));

@@ -100,6 +100,8 @@ void kelDataFlow::TwoInodeDocument::setPlace(int folder, const std::string &name
     release();
     m_folder = folder;
     m_name = name;
+    ::unlinkat(m_folder, shadowName().c_str(), 0);
+    ::unlinkat(m_folder, asideName().c_str(), 0);
 }
 
 void kelDataFlow::TwoInodeDocument::take(const FileState &state, qint64 body)
@@ -157,7 +159,7 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
 kelResult kelDataFlow::TwoInodeDocument::makeShadow()
 {
     const std::string name = shadowName();
-    ::unlinkat(m_folder, name.c_str(), 0); // one that a killed process left
+    ::unlinkat(m_folder, name.c_str(), 0);
     m_document.reset(::openat(m_folder, m_name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
     m_shadow.reset(::openat(m_folder, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     struct stat status;
@@ -215,7 +217,7 @@ bool kelDataFlow::TwoInodeDocument::exchange() const
     if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
         return false;
     // A file system that cannot exchange: the document's name leads to a whole document all the time.
-    const std::string aside = shadow + "2";
+    const std::string aside = asideName();
     ::unlinkat(m_folder, aside.c_str(), 0);
     return ::linkat(m_folder, m_name.c_str(), m_folder, aside.c_str(), 0) == 0
         && ::renameat(m_folder, shadow.c_str(), m_folder, m_name.c_str()) == 0

@@ -57,7 +57,8 @@ public:
     TwoInodeDocument(const TwoInodeDocument &) = delete;
     TwoInodeDocument &operator=(const TwoInodeDocument &) = delete;
 
-    /// \param folder of the document; stays open here. \param name of the document in it.
+    /// Removes what a process that was killed left beside the document.
+    /// \param folder of the document; it must stay open. \param name of the document in it.
     void setPlace(int folder, const std::string &name);
 
     /// Takes the document as it stands on disk: canonical, and `body` bytes long without its last line. It is
@@ -82,6 +83,7 @@ private:
     void dropShadow();
     bool exchange() const;
     std::string shadowName() const { return "." + m_name + ".shadow"; }
+    std::string asideName() const { return "." + m_name + ".aside"; } ///< of the document, for an instant
     kelResult failed(const QString &what);
 
     int m_folder = -1;
