@@ -53,10 +53,10 @@ public:
     kelResult encode(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &list);
     kelResult addRecords();
     void takeBackRecords();
-    kelResult addFrame(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &list);
+    kelResult addFrame();
     kelResult begin();
-    kelResult rewrite(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &list);
-    void addRow(const CSynchronizer &stamp, quint32 count);
+    kelResult rewrite();
+    void addRow(const CSynchronizer &stamp);
     void flushIndex();
     bool wantsSync();
     kelResult syncFolder() const;
@@ -81,6 +81,7 @@ public:
     QElapsedTimer sinceSync;
 
     // Of the frame in work; kept for their memory.
+    std::vector<kelDataFlowRecord> objectsOfFrame;
     QByteArray recordBytes;
     QByteArray frameText;
     QByteArray rows; ///< not written to the index yet
@@ -245,19 +246,23 @@ kelResult kelRecordingWriter::Private::catchUp()
 kelResult kelRecordingWriter::Private::encode(const CSynchronizer &stamp,
                                               const QList<QSharedPointer<kelAbstractData>> &list)
 {
+    objectsOfFrame.clear();
     recordBytes.resize(0);
     for (const QSharedPointer<kelAbstractData> &object : list) {
         if (!object)
             continue;
+        objectsOfFrame.push_back({object->identifier(), object->getMap()});
         QString problem;
-        const QByteArray bytes = kelDataFlowRecord{object->identifier(), object->getMap()}.encoded(&problem);
+        const QByteArray bytes = objectsOfFrame.back().encoded(&problem);
         if (bytes.isEmpty())
             return kelResult::failure(
                 problem,
                 QStringLiteral("a %1 of frame %2")
-                    .arg(object->identifier(), QString::number(stamp.getFrameNumber())));
+                    .arg(objectsOfFrame.back().dataType, QString::number(stamp.getFrameNumber())));
         recordBytes += bytes;
     }
+    frameText.resize(0);
+    appendFrameText(frameText, stamp, objectsOfFrame);
     return kelResult();
 }
 
@@ -304,11 +309,8 @@ kelResult kelRecordingWriter::Private::begin()
 }
 
 /// A document that does not look as a recorder writes it: parsed, extended, and written whole.
-kelResult kelRecordingWriter::Private::rewrite(const CSynchronizer &stamp,
-                                               const QList<QSharedPointer<kelAbstractData>> &list)
+kelResult kelRecordingWriter::Private::rewrite()
 {
-    Q_UNUSED(stamp)
-    Q_UNUSED(list)
     const kelResult failure =
         kelResult::failure(QStringLiteral("could not be parsed and written again"), path(documentName));
     QDomDocument nodes, frame;
@@ -334,13 +336,10 @@ kelResult kelRecordingWriter::Private::rewrite(const CSynchronizer &stamp,
     return kelResult();
 }
 
-kelResult kelRecordingWriter::Private::addFrame(const CSynchronizer &stamp,
-                                                const QList<QSharedPointer<kelAbstractData>> &list)
+kelResult kelRecordingWriter::Private::addFrame()
 {
-    frameText.resize(0);
-    appendFrameText(frameText, stamp, list);
     if (!canonical)
-        return rewrite(stamp, list);
+        return rewrite();
     if (!began)
         return begin();
     using Sync = TwoInodeDocument::Sync;
@@ -365,13 +364,13 @@ kelResult kelRecordingWriter::Private::syncFolder() const
     return ::fsync(folder.get()) == 0 ? kelResult() : cannot(QStringLiteral("could not be synced"), place);
 }
 
-void kelRecordingWriter::Private::addRow(const CSynchronizer &stamp, quint32 count)
+void kelRecordingWriter::Private::addRow(const CSynchronizer &stamp)
 {
     if (!canonical)
         return;
     IndexRow row;
     row.frame.number = stamp.getFrameNumber();
-    row.frame.objects = count;
+    row.frame.objects = static_cast<quint32>(objectsOfFrame.size());
     const QDateTime time = stamp.getDateTime();
     if (time.isValid())
         row.frame.time = QDateTime(time.date(), time.time(), Qt::UTC).toMSecsSinceEpoch();
@@ -443,16 +442,13 @@ kelResult kelRecordingWriter::write(const CSynchronizer &stamp,
         return added;
     if (sync && ::fdatasync(d->records.get()) != 0)
         return cannot(QStringLiteral("could not be synced"), d->path(recordsName));
-    if (const kelResult added = d->addFrame(stamp, objects); !added) {
+    if (const kelResult added = d->addFrame(); !added) {
         d->takeBackRecords();
         return added;
     }
-    quint32 count = 0;
-    for (const QSharedPointer<kelAbstractData> &object : objects)
-        count += object ? 1 : 0;
-    d->addRow(stamp, count);
+    d->addRow(stamp);
     d->recordsSize += d->recordBytes.size();
-    d->objects += count;
+    d->objects += qint64(d->objectsOfFrame.size());
     ++d->frames;
     if (sync) {
         d->sinceSync.restart();

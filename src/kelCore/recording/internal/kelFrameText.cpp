@@ -1,7 +1,7 @@
 #include <kelCore/recording/internal/kelFrameText.h>
 
 #include <kelCore/data/CSynchronizer.h>
-#include <kelCore/data/kelAbstractData.h>
+#include <kelCore/process/kelDataFlowRecord.h>
 #include <kelCore/recording/internal/kelAttributeOrder.h>
 
 #include <QRect>
@@ -86,11 +86,11 @@ int extent(int first, int last)
     return static_cast<int>(static_cast<unsigned>(last) - static_cast<unsigned>(first) + 1u);
 }
 
-void appendObject(QByteArray &text, kelAbstractData &object)
+void appendObject(QByteArray &text, const kelDataFlowRecord &object)
 {
     text.append("  <Data dataType=\"");
-    appendValue(text, object.identifier());
-    const QVariantMap map = object.getMap();
+    appendValue(text, object.dataType);
+    const QVariantMap &map = object.properties;
     if (map.isEmpty()) {
         text.append("\"/>\n");
         return;
@@ -228,7 +228,7 @@ qint64 timeOf(std::string_view tag)
 } // namespace
 
 void kelDataFlow::appendFrameText(QByteArray &text, const CSynchronizer &stamp,
-                                  const QList<QSharedPointer<kelAbstractData>> &objects)
+                                  const std::vector<kelDataFlowRecord> &objects)
 {
     const QDateTime time = stamp.getDateTime();
     const QDate date = time.date();
@@ -246,9 +246,8 @@ void kelDataFlow::appendFrameText(QByteArray &text, const CSynchronizer &stamp,
     appendNumber(text, "\" timeSec=\"", static_cast<quint32>(clock.second()));
     appendNumber(text, "\" timeMs=\"", static_cast<quint32>(clock.msec()));
     text.append("\"/>\n");
-    for (const QSharedPointer<kelAbstractData> &object : objects)
-        if (object)
-            appendObject(text, *object);
+    for (const kelDataFlowRecord &object : objects)
+        appendObject(text, object);
     text.append(" </Frame>\n");
 }
 

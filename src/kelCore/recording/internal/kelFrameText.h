@@ -5,15 +5,13 @@
 /// The text of a document's frames: how one is made, and how the frames of a document are found. Internal.
 
 #include <QByteArray>
-#include <QList>
-#include <QSharedPointer>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 class CSynchronizer;
-class kelAbstractData;
+struct kelDataFlowRecord;
 
 namespace kelDataFlow {
 
@@ -23,9 +21,9 @@ inline constexpr std::string_view documentHead = "<DataFlow>\n";
 inline constexpr std::string_view documentTail = "</DataFlow>\n";
 
 /// Appends the lines of one frame to `text`: exactly those that the frame has in a document that is made of
-/// nodes and turned into text by `toXml`. Null pointers are skipped.
+/// nodes and turned into text by `toXml`.
 void appendFrameText(QByteArray &text, const CSynchronizer &stamp,
-                     const QList<QSharedPointer<kelAbstractData>> &objects);
+                     const std::vector<kelDataFlowRecord> &objects);
 
 /// A frame as its text shows it.
 struct FrameOutline

@@ -91,8 +91,10 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
 {
     qint64 size = 0;
     FileDescriptor file;
-    if (!openFile(folder, indexName, file, size) || !file
-        || bytesAt(file.get(), 0, indexRowSize) != indexHeader())
+    if (!openFile(folder, indexName, file, size) || size == 0)
+        return;
+    m_indexDamaged = bytesAt(file.get(), 0, indexRowSize) != indexHeader();
+    if (m_indexDamaged)
         return;
     const auto rowAt = [&file](qint64 i) {
         const QByteArray bytes = bytesAt(file.get(), (i + 1) * indexRowSize, indexRowSize);
@@ -106,12 +108,16 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
         const bool within = row && row->documentEnd() <= m_documentSize && row->recordsEnd() <= m_recordsSize;
         (within ? fits : end) = within ? middle + 1 : middle;
     }
+    m_indexDamaged = fits + 1 < size / indexRowSize && !rowAt(fits);
     if (fits == 0)
         return;
     const IndexRow last = *rowAt(fits - 1);
+    const bool complete = last.documentEnd() + qint64(documentTail.size()) == m_documentSize
+        && last.recordsEnd() == m_recordsSize;
     const QByteArray text = documentBytes(last.frame.offset, last.frame.length);
-    if (text.size() != last.frame.length
-        || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum)
+    if (!complete
+        && (text.size() != last.frame.length
+            || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum))
         return; // of another document
     m_rows = std::move(file);
     m_rowsOnDisk = m_count = fits;
@@ -256,11 +262,30 @@ kelResult kelDataFlow::RunIndex::flush()
 
 kelDataFlow::IndexRow kelDataFlow::RunIndex::row(qint64 i) const
 {
-    const bool onDisk = i < m_rowsOnDisk;
-    const qint64 offset = onDisk ? (i + 1) * indexRowSize : (i - m_rowsOnDisk) * indexRowSize;
-    const QByteArray bytes = bytesAt(onDisk ? m_rows.get() : m_tail.get(), offset, indexRowSize);
-    const auto row = bytes.size() == indexRowSize ? readIndexRow(bytes.constData()) : std::nullopt;
-    return row.value_or(IndexRow());
+    constexpr qint64 rowsAtOnce = 256;
+    const qint64 held = m_block.size() / indexRowSize;
+    if (i < m_blockBegin || i >= m_blockBegin + held) {
+        const bool onDisk = i < m_rowsOnDisk;
+        // Whole blocks, so that a walk in either direction reads each but once.
+        const qint64 first = onDisk ? 0 : m_rowsOnDisk;
+        m_blockBegin = first + (i - first) / rowsAtOnce * rowsAtOnce;
+        const qint64 end = std::min(m_blockBegin + rowsAtOnce, onDisk ? m_rowsOnDisk : m_count);
+        m_block = bytesAt(onDisk ? m_rows.get() : m_tail.get(),
+                          (onDisk ? m_blockBegin + 1 : m_blockBegin - m_rowsOnDisk) * indexRowSize,
+                          (end - m_blockBegin) * indexRowSize);
+    }
+    const qint64 at = (i - m_blockBegin) * indexRowSize;
+    if (at + indexRowSize > m_block.size())
+        return IndexRow();
+    return readIndexRow(m_block.constData() + at).value_or(IndexRow());
+}
+
+bool kelDataFlow::RunIndex::headIsWhole() const
+{
+    const std::string_view head = m_count > 0 ? documentHead : emptyDocument;
+    return m_form == Form::Foreign || !m_document
+        || documentBytes(0, static_cast<qint64>(head.size()))
+        == QByteArray::fromRawData(head.data(), static_cast<int>(head.size()));
 }
 
 QByteArray kelDataFlow::RunIndex::documentBytes(qint64 offset, qint64 size) const

@@ -48,6 +48,10 @@ public:
     qint64 recordsFound() const { return m_recordsFound; }
     /// Rows of the index file that fit, from the first on.
     qint64 rowsOnDisk() const { return m_rowsOnDisk; }
+    /// The index file is there, and is none.
+    bool indexIsDamaged() const { return m_indexDamaged; }
+    /// What an index takes for granted: how the document begins.
+    bool headIsWhole() const;
 
     bool documentExists() const { return bool(m_document); }
     bool recordsExist() const { return bool(m_records); }
@@ -72,7 +76,10 @@ private:
     QByteArray m_window; ///< of the records, while they are walked
     qint64 m_windowOffset = 0;
     std::string m_name;
+    mutable QByteArray m_block; ///< of rows: those read last
+    mutable qint64 m_blockBegin = 0; ///< the first of them
     Form m_form = Form::Canonical;
+    bool m_indexDamaged = false;
     qint64 m_count = 0;
     qint64 m_rowsOnDisk = 0;
     qint64 m_flushed = 0;
