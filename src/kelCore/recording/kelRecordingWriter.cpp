@@ -5,6 +5,7 @@
 #include <kelCore/process/kelDataFlowDocument_p.h>
 #include <kelCore/process/kelDataFlowRecord.h>
 #include <kelCore/recording/internal/kelChecksum.h>
+#include <kelCore/recording/internal/kelFolderWatch.h>
 #include <kelCore/recording/internal/kelRunIndex.h>
 #include <kelCore/recording/internal/kelTwoInodeDocument.h>
 
@@ -47,9 +48,11 @@ public:
     kelResult take(const QString &place);
     kelResult prepare();
     kelResult goOn();
-    kelResult checkRecords() const;
+    kelResult look();
+    kelResult checkRecords(bool byName) const;
     bool isAsLeft() const;
     kelResult catchUp();
+    void adopt(const RunIndex &run);
     kelResult encode(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &list);
     kelResult addRecords();
     void takeBackRecords();
@@ -70,7 +73,6 @@ public:
     std::string documentFile = documentName;
     FileDescriptor records;
     FileDescriptor index;
-    FileState recordsState; ///< of the file that was opened; its size is not looked at
     qint64 recordsSize = 0;
     qint64 objects = 0; ///< records, and data elements
     qint64 frames = 0;
@@ -78,6 +80,7 @@ public:
     bool canonical = true; ///< the document can grow in constant time
     bool began = false; ///< the document holds a frame
     FileState foreignState; ///< of a document that cannot, as it was left
+    FolderWatch watch;
     QElapsedTimer sinceSync;
 
     // Of the frame in work; kept for their memory.
@@ -137,13 +140,12 @@ kelResult kelRecordingWriter::Private::prepare()
         return cannot(QStringLiteral("cannot be written"), path(recordsName));
     if (!S_ISREG(status.st_mode))
         return kelResult::failure(QStringLiteral("is no regular file"), path(recordsName));
-    recordsState = FileState(status);
     if (status.st_size > recordsSize && ::ftruncate(records.get(), recordsSize) != 0)
         return cannot(QStringLiteral("cannot be trimmed to its last whole frame"), path(recordsName));
     return kelResult();
 }
 
-/// Finds the end of the recording that is there, and brings its index up to it.
+/// Finds the end of the recording that is there.
 kelResult kelRecordingWriter::Private::goOn()
 {
     RunIndex run;
@@ -154,49 +156,69 @@ kelResult kelRecordingWriter::Private::goOn()
             QStringLiteral("is damaged: the document has %1 data elements, and %2 holds %3 whole records")
                 .arg(QString::number(run.objects()), text(recordsName), QString::number(run.recordsFound())),
             place);
-    frames = run.count();
-    objects = run.objects();
-    recordsSize = run.recordsEnd();
-    canonical = run.form() != RunIndex::Form::Foreign;
-    began = frames > 0;
     if (run.form() == RunIndex::Form::Torn
         && run.documentBytes(run.documentEnd(), 1 << 26).contains("\n </Frame>\n"))
         return kelResult::failure(
             QStringLiteral("is damaged behind byte %1: whole frames follow what is no XML")
                 .arg(run.documentEnd()),
             path(documentName), QStringLiteral("mend it, or record into another folder"));
-    FileState state;
-    const bool grows = stateOf(documentFolder(), documentFile, state);
-    canonical = canonical && (grows || !run.documentExists());
-    if (canonical && began)
-        document.take(state, run.documentEnd());
-    foreignState = state;
-    if (!canonical)
-        return kelResult();
+    adopt(run);
+    return kelResult();
+}
 
-    index.reset(::openat(folder.get(), indexName, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+/// Takes the files as they stand, and brings the index up to them.
+void kelRecordingWriter::Private::adopt(const RunIndex &run)
+{
+    document.release();
+    frames = run.count();
+    objects = run.objects();
+    recordsSize = run.recordsEnd();
+    began = frames > 0;
+    foreignState = FileState();
+    const bool grows = stateOf(documentFolder(), documentFile, foreignState);
+    canonical = run.form() != RunIndex::Form::Foreign && (grows || !run.documentExists());
+    if (canonical && began)
+        document.take(foreignState, run.documentEnd());
+
+    index.reset(canonical ? ::openat(folder.get(), indexName, O_RDWR | O_CREAT | O_CLOEXEC, 0666) : -1);
     rows = run.rowsOnDisk() > 0 ? QByteArray() : indexHeader();
     indexSize = run.rowsOnDisk() > 0 ? (run.rowsOnDisk() + 1) * indexRowSize : 0;
-    for (qint64 i = run.rowsOnDisk(); i < run.count(); ++i) {
+    for (qint64 i = run.rowsOnDisk(); index && i < run.count(); ++i) {
         appendIndexRow(rows, run.row(i));
         if (rows.size() > (1 << 20))
             flushIndex();
     }
     flushIndex();
-    if (index && ::ftruncate(index.get(), indexSize) != 0)
-        index.reset();
-    return kelResult();
+    if (index ? ::ftruncate(index.get(), indexSize) != 0 : ::unlinkat(folder.get(), indexName, 0) != 0)
+        index.reset(); // it does not fit, and whoever reads finds that
 }
 
-/// The records are the file that was opened, as long as it was left.
-kelResult kelRecordingWriter::Private::checkRecords() const
+/// What others have done to the files since the last frame.
+kelResult kelRecordingWriter::Private::look()
+{
+    const FolderWatch::Seen seen = watch.take();
+    if (seen.opened)
+        document.mayBeOpen();
+    if (!isAsLeft() || (seen.written && watch.works())) {
+        if (const kelResult caughtUp = catchUp(); !caughtUp)
+            return caughtUp;
+        watch.take(); // of what we have opened ourselves
+    }
+    return checkRecords(seen.moved);
+}
+
+/// The records are the file that was opened, as it was left.
+kelResult kelRecordingWriter::Private::checkRecords(bool byName) const
 {
     struct stat status;
-    const bool there = ::fstatat(folder.get(), recordsName.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
-    if (!there)
+    const bool there = ::fstat(records.get(), &status) == 0 && status.st_nlink > 0;
+    const bool same = status.st_size == recordsSize;
+    struct stat named = status;
+    if (byName && ::fstatat(folder.get(), recordsName.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0)
+        named.st_nlink = 0;
+    if (!there || named.st_nlink == 0)
         return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(recordsName));
-    if (status.st_dev != recordsState.device || status.st_ino != recordsState.inode
-        || status.st_size != recordsSize)
+    if (!same || named.st_dev != status.st_dev || named.st_ino != status.st_ino)
         return kelResult::failure(QStringLiteral("was changed by another program while it was recorded"),
                                   path(recordsName));
     return kelResult();
@@ -222,24 +244,10 @@ kelResult kelRecordingWriter::Private::catchUp()
                                   path(documentName));
     if (run.recordsFound() != run.objects() || run.recordsEnd() != run.recordsSize())
         return kelResult::failure(
-            QStringLiteral("was changed while it was recorded, and no longer agrees with %1")
+            QStringLiteral("was changed while it was recorded, and does not agree with %1")
                 .arg(text(recordsName)),
             path(documentName));
-    document.release();
-    FileState state;
-    const bool grows = stateOf(documentFolder(), documentFile, state);
-    frames = run.count();
-    objects = run.objects();
-    recordsSize = run.recordsSize();
-    canonical = grows && run.form() == RunIndex::Form::Canonical;
-    began = frames > 0;
-    foreignState = state;
-    if (canonical && began)
-        document.take(state, run.documentEnd());
-    // The index is of the document as it was: whoever reads finds that it does not fit.
-    index.reset();
-    rows.clear();
-    ::unlinkat(folder.get(), indexName, 0);
+    adopt(run);
     return kelResult();
 }
 
@@ -288,7 +296,7 @@ void kelRecordingWriter::Private::takeBackRecords()
 kelResult kelRecordingWriter::Private::begin()
 {
     const int parent = documentFolder();
-    const std::string shadow = "." + documentFile + ".shadow";
+    const std::string shadow = document.shadowName();
     ::unlinkat(parent, shadow.c_str(), 0);
     QByteArray whole(documentHead.data(), static_cast<int>(documentHead.size()));
     whole += frameText;
@@ -418,6 +426,9 @@ kelResult kelRecordingWriter::open(const QString &folder, const kelRecordingOpti
             ::openat(taken->folder.get(), indexName, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
         taken->rows = indexHeader();
     }
+    taken->watch = FolderWatch(taken->documentFolder(), taken->documentFile, taken->document.shadowName());
+    taken->watch.addRecords(taken->records.get());
+    taken->document.stampChanges(!taken->watch.works());
     taken->sinceSync.start();
     d = std::move(taken);
     return kelResult();
@@ -431,11 +442,8 @@ kelResult kelRecordingWriter::write(const CSynchronizer &stamp,
     if (const kelResult encoded = d->encode(stamp, objects); !encoded)
         return encoded;
 
-    if (!d->isAsLeft())
-        if (const kelResult caughtUp = d->catchUp(); !caughtUp)
-            return caughtUp;
-    if (const kelResult checked = d->checkRecords(); !checked)
-        return checked;
+    if (const kelResult looked = d->look(); !looked)
+        return looked;
 
     const bool sync = d->wantsSync();
     if (const kelResult added = d->addRecords(); !added)
@@ -446,6 +454,8 @@ kelResult kelRecordingWriter::write(const CSynchronizer &stamp,
         d->takeBackRecords();
         return added;
     }
+    if (d->document.tookFiles() && d->watch.take().opened)
+        d->document.mayBeOpen(); // by us, or by somebody else at that very moment
     d->addRow(stamp);
     d->recordsSize += d->recordBytes.size();
     d->objects += qint64(d->objectsOfFrame.size());

@@ -2,6 +2,7 @@
 
 #include <kelCore/recording/internal/kelFrameText.h>
 
+#include <utility>
 #include <vector>
 
 #include <cerrno>
@@ -61,8 +62,6 @@ bool copyBytes(int from, int to, off_t size)
     return true;
 }
 
-/// Gives the file a time of last change of its own. The kernel's clock for it ticks every few milliseconds: a
-/// change by somebody else right after ours would go unseen.
 void stampChange(int file)
 {
     timespec times[2] = {{0, UTIME_OMIT}, {}};
@@ -127,7 +126,7 @@ bool kelDataFlow::TwoInodeDocument::isCurrent() const
 
 kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync)
 {
-    if (m_shadow && !shadowIsFree())
+    if (m_shadow && m_shadowMayBeOpen && !holdShadow())
         dropShadow();
     if (!m_shadow)
         if (const kelResult made = makeShadow(); !made)
@@ -138,7 +137,9 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
     m_text.append(documentTail.data(), static_cast<int>(documentTail.size()));
     if (!writeAll(m_shadow.get(), m_text, m_shadowBody))
         return failed(QStringLiteral("the document could not be written: %1"));
-    stampChange(m_shadow.get());
+    letGoOfShadow();
+    if (m_stampsChanges)
+        stampChange(m_shadow.get());
     if ((sync != Sync::None && ::fdatasync(m_shadow.get()) != 0)
         || (sync == Sync::Both && ::fdatasync(m_document.get()) != 0))
         return failed(QStringLiteral("the document could not be synced: %1"));
@@ -146,6 +147,7 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
         return failed(QStringLiteral("the document could not be put in its place: %1"));
 
     std::swap(m_document, m_shadow);
+    m_shadowMayBeOpen = std::exchange(m_documentMayBeOpen, false);
     const qint64 shadowBody = m_body;
     m_body = m_shadowBody + m_text.size() - qint64(documentTail.size());
     m_shadowBody = shadowBody;
@@ -159,6 +161,7 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
 kelResult kelDataFlow::TwoInodeDocument::makeShadow()
 {
     const std::string name = shadowName();
+    m_tookFiles = true;
     ::unlinkat(m_folder, name.c_str(), 0);
     m_document.reset(::openat(m_folder, m_name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
     m_shadow.reset(::openat(m_folder, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
@@ -169,9 +172,11 @@ kelResult kelDataFlow::TwoInodeDocument::makeShadow()
     if (!copyBytes(m_document.get(), m_shadow.get(), m_body))
         return failed(QStringLiteral("the document could not be copied: %1"));
     for (const FileDescriptor *file : {&m_document, &m_shadow})
-        ::fcntl(file->get(), F_SETSIG, SIGURG); // see shadowIsFree
+        ::fcntl(file->get(), F_SETSIG, SIGURG); // see holdShadow
     m_shadowBody = m_body;
     m_behind.clear();
+    m_documentMayBeOpen = true;
+    m_shadowMayBeOpen = false;
     return kelResult();
 }
 
@@ -183,26 +188,33 @@ kelResult kelDataFlow::TwoInodeDocument::failed(const QString &what)
     return kelResult::failure(what.arg(reason), QString::fromStdString(m_name));
 }
 
-/// Whether nobody else has the shadow open: a lease to write is given to the only one. Who opens the file at
-/// that very moment has the kernel send a signal, one that is ignored unless the program wants it. Where there
-/// are no leases, readers that mean well hold a lock.
-bool kelDataFlow::TwoInodeDocument::shadowIsFree() const
+/// Takes the shadow for ourselves; false where somebody else has it open. A lease to write is given to the only
+/// one, and who opens the file while it lasts waits for its end. The kernel has the signal of F_SETSIG tell us of
+/// that, one that is ignored unless the program wants it. Where there are no leases, readers that mean well hold
+/// a lock.
+bool kelDataFlow::TwoInodeDocument::holdShadow()
 {
     const int file = m_shadow.get();
-    if (::fcntl(file, F_SETLEASE, F_WRLCK) == 0) {
-        ::fcntl(file, F_SETLEASE, F_UNLCK);
-        return true;
-    }
-    if (errno == EAGAIN)
-        return false;
+    m_leased = ::fcntl(file, F_SETLEASE, F_WRLCK) == 0;
+    if (m_leased || errno == EAGAIN)
+        return m_leased;
     const bool locked = ::flock(file, LOCK_EX | LOCK_NB) == 0;
     if (locked)
         ::flock(file, LOCK_UN);
     return locked;
 }
 
+void kelDataFlow::TwoInodeDocument::letGoOfShadow()
+{
+    if (m_leased)
+        ::fcntl(m_shadow.get(), F_SETLEASE, F_UNLCK);
+    m_leased = false;
+}
+
 void kelDataFlow::TwoInodeDocument::dropShadow()
 {
+    letGoOfShadow();
+    m_tookFiles = true;
     if (m_shadow)
         ::unlinkat(m_folder, shadowName().c_str(), 0);
     m_shadow.reset();

@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <string>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -66,6 +67,11 @@ public:
     void take(const FileState &state, qint64 body);
     /// Lets go of the document, and removes the shadow.
     void release();
+    /// Somebody may have opened one of the two files since the last frame. Until this is said, nobody has.
+    void mayBeOpen() { m_documentMayBeOpen = m_shadowMayBeOpen = true; }
+    /// Gives each document a time of last change of its own. The kernel's clock for it ticks every few
+    /// milliseconds: a change by somebody else right after ours would go unseen otherwise.
+    void stampChanges(bool on) { m_stampsChanges = on; }
 
     /// Whether the document on disk is the one that was taken or grown last.
     bool isCurrent() const;
@@ -73,16 +79,22 @@ public:
     /// Adds the lines of a frame in front of the last line. The document must be current.
     kelResult grow(const QByteArray &frame, Sync sync);
 
+    /// Whether files were opened or closed here since this was asked last: whoever watches has seen it.
+    bool tookFiles() { return std::exchange(m_tookFiles, false); }
+
+    /// Name of the file that takes turns with the document.
+    std::string shadowName() const { return "." + m_name + ".shadow"; }
+
     /// Bytes of the document in front of its last line.
     qint64 body() const { return m_body; }
     const FileState &state() const { return m_state; }
 
 private:
     kelResult makeShadow();
-    bool shadowIsFree() const;
+    bool holdShadow();
+    void letGoOfShadow();
     void dropShadow();
     bool exchange() const;
-    std::string shadowName() const { return "." + m_name + ".shadow"; }
     std::string asideName() const { return "." + m_name + ".aside"; } ///< of the document, for an instant
     kelResult failed(const QString &what);
 
@@ -93,6 +105,11 @@ private:
     FileDescriptor m_document; ///< the file that has the name; open so that it can become the shadow
     FileDescriptor m_shadow;
     qint64 m_shadowBody = 0; ///< bytes of the shadow that stay
+    bool m_documentMayBeOpen = true;
+    bool m_shadowMayBeOpen = true;
+    bool m_leased = false; ///< the shadow, to us
+    bool m_stampsChanges = true;
+    bool m_tookFiles = false;
     QByteArray m_behind; ///< what the shadow lacks of the document
     QByteArray m_text; ///< the tail of the next document; kept for its memory
 };
