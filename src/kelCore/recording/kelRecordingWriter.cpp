@@ -45,6 +45,12 @@ kelResult cannot(const QString &what, const QString &where)
 class kelRecordingWriter::Private
 {
 public:
+    Private()
+    {
+        for (QByteArray *bytes : {&recordBytes, &frameText, &rows})
+            bytes->reserve(1 << 13); // kept: a byte array gives back what was not asked for
+    }
+
     kelResult take(const QString &place);
     kelResult prepare();
     kelResult goOn();
@@ -181,7 +187,9 @@ void kelRecordingWriter::Private::adopt(const RunIndex &run)
         document.take(foreignState, run.documentEnd());
 
     index.reset(canonical ? ::openat(folder.get(), indexName, O_RDWR | O_CREAT | O_CLOEXEC, 0666) : -1);
-    rows = run.rowsOnDisk() > 0 ? QByteArray() : indexHeader();
+    rows.resize(0);
+    if (run.rowsOnDisk() == 0)
+        rows += indexHeader();
     indexSize = run.rowsOnDisk() > 0 ? (run.rowsOnDisk() + 1) * indexRowSize : 0;
     for (qint64 i = run.rowsOnDisk(); index && i < run.count(); ++i) {
         appendIndexRow(rows, run.row(i));
@@ -424,7 +432,7 @@ kelResult kelRecordingWriter::open(const QString &folder, const kelRecordingOpti
     if (!taken->index && taken->canonical && !taken->began) {
         taken->index.reset(
             ::openat(taken->folder.get(), indexName, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-        taken->rows = indexHeader();
+        taken->rows += indexHeader();
     }
     taken->watch = FolderWatch(taken->documentFolder(), taken->documentFile, taken->document.shadowName());
     taken->watch.addRecords(taken->records.get());

@@ -6,79 +6,107 @@
 
 #include <QRect>
 
+#include <algorithm>
 #include <charconv>
-#include <limits>
 
 namespace {
 
 using kelDataFlow::FrameOutline;
 
-template <class Integer> void appendNumber(QByteArray &text, Integer number)
+/// Puts text behind a byte array. It asks for room once for many small pieces: a frame has some hundred.
+class Pen
 {
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    text.append(digits, static_cast<int>(end - digits));
-}
+public:
+    explicit Pen(QByteArray &text) : m_text(text), m_size(text.size()) { }
+    ~Pen() { m_text.resize(m_size); }
+    Pen(const Pen &) = delete;
+    Pen &operator=(const Pen &) = delete;
 
-/// A time part of -1 comes as 4294967295: numbers are stored as unsigned 32-bit ones.
-void appendNumber(QByteArray &text, const char *before, quint32 number)
-{
-    text.append(before);
-    appendNumber(text, number);
-}
+    void put(std::string_view piece)
+    {
+        piece.copy(room(piece.size()), piece.size());
+        m_size += static_cast<int>(piece.size());
+    }
 
-/// One character of an attribute's value that is not simply itself.
-void appendSpecial(QByteArray &text, const QString &value, int &i)
-{
-    const QChar c = value.at(i);
-    switch (c.unicode()) {
-    case '<':
-        text.append("&lt;");
-        return;
-    case '"':
-        text.append("&quot;");
-        return;
-    case '&':
-        text.append("&amp;");
-        return;
-    case '>': {
-        const bool endsSection =
-            i >= 2 && value.at(i - 1) == QLatin1Char(']') && value.at(i - 2) == QLatin1Char(']');
-        text.append(endsSection ? "&gt;" : ">");
-        return;
+    template <class Integer> void putNumber(Integer number)
+    {
+        constexpr size_t digits = 24;
+        char *const begin = room(digits);
+        m_size += static_cast<int>(std::to_chars(begin, begin + digits, number).ptr - begin);
     }
-    case '\n':
-        text.append("&#xa;");
-        return;
-    case '\r':
-        text.append("&#xd;");
-        return;
-    case '\t':
-        text.append("&#x9;");
-        return;
-    }
-    const bool pair = c.isHighSurrogate() && i + 1 < value.size() && value.at(i + 1).isLowSurrogate();
-    if (pair) {
-        text.append(value.mid(i, 2).toUtf8());
-        ++i;
-    } else if (c.unicode() < 0x20 || c.isSurrogate() || c.unicode() >= 0xfffe) {
-        text.append("\xef\xbf\xbd"); // U+FFFD: XML cannot carry the character
-    } else {
-        text.append(QString(c).toUtf8());
-    }
-}
 
-void appendValue(QByteArray &text, const QString &value)
-{
-    for (int i = 0; i < value.size(); ++i) {
-        const ushort c = value.at(i).unicode();
-        const bool itself = c >= 0x20 && c < 0x7f && c != '<' && c != '"' && c != '&' && c != '>';
-        if (itself)
-            text.append(static_cast<char>(c));
-        else
-            appendSpecial(text, value, i);
+    /// An attribute's value.
+    void putValue(const QString &value)
+    {
+        const auto *const units = reinterpret_cast<const ushort *>(value.constData());
+        for (int i = 0; i < value.size();) {
+            const int begin = i;
+            while (i < value.size() && isItself(units[i]))
+                ++i;
+            char *at = room(static_cast<size_t>(i - begin));
+            for (int k = begin; k < i; ++k)
+                *at++ = static_cast<char>(units[k]);
+            m_size += i - begin;
+            if (i < value.size())
+                i += putSpecial(value, i);
+        }
     }
-}
+
+private:
+    static bool isItself(ushort c)
+    {
+        return c >= 0x20 && c < 0x7f && c != '<' && c != '"' && c != '&' && c != '>';
+    }
+
+    /// Room for that many bytes behind the text.
+    char *room(size_t size)
+    {
+        const int wanted = m_size + static_cast<int>(size);
+        if (wanted > m_text.size())
+            m_text.resize(std::max(2 * wanted, 4096));
+        return m_text.data() + m_size;
+    }
+
+    /// One character that is not simply itself. \return how many units of UTF-16 it takes.
+    int putSpecial(const QString &value, int i)
+    {
+        const QChar c = value.at(i);
+        switch (c.unicode()) {
+        case '<':
+            put("&lt;");
+            return 1;
+        case '"':
+            put("&quot;");
+            return 1;
+        case '&':
+            put("&amp;");
+            return 1;
+        case '>':
+            put(i >= 2 && value.at(i - 1) == QLatin1Char(']') && value.at(i - 2) == QLatin1Char(']') ? "&gt;"
+                                                                                                     : ">");
+            return 1;
+        case '\n':
+            put("&#xa;");
+            return 1;
+        case '\r':
+            put("&#xd;");
+            return 1;
+        case '\t':
+            put("&#x9;");
+            return 1;
+        }
+        const bool pair = c.isHighSurrogate() && i + 1 < value.size() && value.at(i + 1).isLowSurrogate();
+        // XML cannot carry what is neither a pair nor a character of its own.
+        const bool forbidden = !pair && (c.unicode() < 0x20 || c.isSurrogate() || c.unicode() >= 0xfffe);
+        const QByteArray bytes =
+            forbidden ? QByteArrayLiteral("\xef\xbf\xbd") : value.mid(i, pair ? 2 : 1).toUtf8();
+        put({bytes.constData(), static_cast<size_t>(bytes.size())});
+        return pair ? 2 : 1;
+    }
+
+    QByteArray &m_text;
+    int m_size; ///< of the text; the array is larger while the pen lives
+};
 
 /// Distance between inclusive corner coordinates, plus one. Coordinates at the ends of the range wrap around.
 int extent(int first, int last)
@@ -86,36 +114,36 @@ int extent(int first, int last)
     return static_cast<int>(static_cast<unsigned>(last) - static_cast<unsigned>(first) + 1u);
 }
 
-void appendObject(QByteArray &text, const kelDataFlowRecord &object)
+void putObject(Pen &pen, const kelDataFlowRecord &object)
 {
-    text.append("  <Data dataType=\"");
-    appendValue(text, object.dataType);
+    pen.put("  <Data dataType=\"");
+    pen.putValue(object.dataType);
     const QVariantMap &map = object.properties;
-    if (map.isEmpty()) {
-        text.append("\"/>\n");
-        return;
-    }
-    text.append("\">\n");
+    if (map.isEmpty())
+        return pen.put("\"/>\n");
+    pen.put("\">\n");
     const QRect box = map.cbegin().value().toRect(); // of the first entry, whichever is written
     for (auto it = map.cbegin(); it != map.cend(); ++it) {
         const char *const type = it.value().typeName();
-        text.append("   <entry key=\"");
-        appendValue(text, it.key());
-        text.append("\" type=\"");
-        appendValue(text, QString::fromLatin1(type));
-        text.append("\" value=\"");
-        if (qstrcmp(type, "QRect") == 0) {
-            appendNumber(text, box.left());
-            text.append(' ');
-            appendNumber(text, box.top());
-            text.append(' ');
-            appendNumber(text, extent(box.left(), box.right()));
-            text.append(' ');
-            appendNumber(text, extent(box.top(), box.bottom()));
+        pen.put("   <entry key=\"");
+        pen.putValue(it.key());
+        pen.put("\" type=\"");
+        if (qstrcmp(type, "QRect") != 0) {
+            pen.putValue(QString::fromLatin1(type));
+            pen.put("\" value=\"\"/>\n");
+            continue;
         }
-        text.append("\"/>\n");
+        pen.put("QRect\" value=\"");
+        pen.putNumber(box.left());
+        pen.put(" ");
+        pen.putNumber(box.top());
+        pen.put(" ");
+        pen.putNumber(extent(box.left(), box.right()));
+        pen.put(" ");
+        pen.putNumber(extent(box.top(), box.bottom()));
+        pen.put("\"/>\n");
     }
-    text.append("  </Data>\n");
+    pen.put("  </Data>\n");
 }
 
 bool isNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
@@ -158,7 +186,7 @@ size_t sequenceLength(std::string_view text)
 }
 
 /// The length of the attribute value at the front of `text`, up to its closing quote; -1 where it is not
-/// written as `appendValue` writes it.
+/// written as `Pen::putValue` writes it.
 qint64 valueLength(std::string_view text)
 {
     static constexpr std::string_view references[] = {"&lt;", "&quot;", "&amp;", "&#xa;", "&#xd;", "&#x9;"};
@@ -230,25 +258,27 @@ qint64 timeOf(std::string_view tag)
 void kelDataFlow::appendFrameText(QByteArray &text, const CSynchronizer &stamp,
                                   const std::vector<kelDataFlowRecord> &objects)
 {
-    const QDateTime time = stamp.getDateTime();
-    const QDate date = time.date();
-    const QTime clock = time.time();
-    appendNumber(text, " <Frame frameNumber=\"", stamp.getFrameNumber());
-    appendNumber(text,
-                 "\">\n  <Parameters file=\"/myfile/param.txt\"/>\n"
-                 "  <Synchronization frameID=\"",
-                 stamp.getFrameNumber());
-    appendNumber(text, "\" timeYear=\"", static_cast<quint32>(date.year()));
-    appendNumber(text, "\" timeMonth=\"", static_cast<quint32>(date.month()));
-    appendNumber(text, "\" timeDay=\"", static_cast<quint32>(date.day()));
-    appendNumber(text, "\" timeHour=\"", static_cast<quint32>(clock.hour()));
-    appendNumber(text, "\" timeMin=\"", static_cast<quint32>(clock.minute()));
-    appendNumber(text, "\" timeSec=\"", static_cast<quint32>(clock.second()));
-    appendNumber(text, "\" timeMs=\"", static_cast<quint32>(clock.msec()));
-    text.append("\"/>\n");
+    const QDateTime dateTime = stamp.getDateTime();
+    const QDate date = dateTime.date();
+    const QTime time = dateTime.time();
+    const std::pair<std::string_view, int> parts[] = {
+        {"\" timeYear=\"", date.year()}, {"\" timeMonth=\"", date.month()}, {"\" timeDay=\"", date.day()},
+        {"\" timeHour=\"", time.hour()}, {"\" timeMin=\"", time.minute()},  {"\" timeSec=\"", time.second()},
+        {"\" timeMs=\"", time.msec()},
+    };
+    Pen pen(text);
+    pen.put(" <Frame frameNumber=\"");
+    pen.putNumber(stamp.getFrameNumber());
+    pen.put("\">\n  <Parameters file=\"/myfile/param.txt\"/>\n  <Synchronization frameID=\"");
+    pen.putNumber(stamp.getFrameNumber());
+    for (const auto &[before, number] : parts) {
+        pen.put(before);
+        pen.putNumber(static_cast<quint32>(number)); // -1 as 4294967295: numbers are unsigned
+    }
+    pen.put("\"/>\n");
     for (const kelDataFlowRecord &object : objects)
-        appendObject(text, object);
-    text.append(" </Frame>\n");
+        putObject(pen, object);
+    pen.put(" </Frame>\n");
 }
 
 kelDataFlow::FrameWalker::FrameWalker(qint64 offset)

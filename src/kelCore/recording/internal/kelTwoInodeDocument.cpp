@@ -92,6 +92,12 @@ bool kelDataFlow::stateOf(int folder, const std::string &name, FileState &state)
     return S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 
+kelDataFlow::TwoInodeDocument::TwoInodeDocument()
+{
+    m_text.reserve(1 << 14); // kept: a byte array gives back what was not asked for
+    m_behind.reserve(1 << 13);
+}
+
 kelDataFlow::TwoInodeDocument::~TwoInodeDocument() { release(); }
 
 void kelDataFlow::TwoInodeDocument::setPlace(int folder, const std::string &name)
@@ -132,7 +138,8 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
         if (const kelResult made = makeShadow(); !made)
             return made;
 
-    m_text = m_behind;
+    m_text.resize(0);
+    m_text += m_behind;
     m_text += frame;
     m_text.append(documentTail.data(), static_cast<int>(documentTail.size()));
     if (!writeAll(m_shadow.get(), m_text, m_shadowBody))
@@ -151,7 +158,8 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
     const qint64 shadowBody = m_body;
     m_body = m_shadowBody + m_text.size() - qint64(documentTail.size());
     m_shadowBody = shadowBody;
-    m_behind = frame;
+    m_behind.resize(0);
+    m_behind += frame;
     struct stat status;
     if (::fstat(m_document.get(), &status) == 0)
         m_state = FileState(status);
@@ -174,7 +182,7 @@ kelResult kelDataFlow::TwoInodeDocument::makeShadow()
     for (const FileDescriptor *file : {&m_document, &m_shadow})
         ::fcntl(file->get(), F_SETSIG, SIGURG); // see holdShadow
     m_shadowBody = m_body;
-    m_behind.clear();
+    m_behind.resize(0);
     m_documentMayBeOpen = true;
     m_shadowMayBeOpen = false;
     return kelResult();
@@ -218,7 +226,7 @@ void kelDataFlow::TwoInodeDocument::dropShadow()
     if (m_shadow)
         ::unlinkat(m_folder, shadowName().c_str(), 0);
     m_shadow.reset();
-    m_behind.clear();
+    m_behind.resize(0);
 }
 
 bool kelDataFlow::TwoInodeDocument::exchange() const

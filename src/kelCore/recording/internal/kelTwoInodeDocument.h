@@ -53,7 +53,7 @@ public:
         Both ///< and those of the file that becomes the shadow
     };
 
-    TwoInodeDocument() = default;
+    TwoInodeDocument();
     ~TwoInodeDocument();
     TwoInodeDocument(const TwoInodeDocument &) = delete;
     TwoInodeDocument &operator=(const TwoInodeDocument &) = delete;
