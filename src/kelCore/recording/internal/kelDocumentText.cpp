@@ -1,45 +1,30 @@
 #include <kelCore/recording/internal/kelDocumentText.h>
 
+#include <kelCore/recording/internal/kelAttributeOrder.h>
 #include <kelCore/recording/internal/kelDebugLine.h>
 
 #include <QDomDocument>
 #include <QFile>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
 
-/// Attributes of the format, in the order in which they are written.
-constexpr std::array<std::string_view, 14> attributeOrder{
-    "frameNumber", // Frame
-    "file", // Parameters
-    "frameID",     "timeYear", "timeMonth", "timeDay",
-    "timeHour",    "timeMin",  "timeSec",   "timeMs", // Synchronization
-    "dataType", // Data
-    "key",         "type",     "value", // entry
-};
-
 struct Attribute
 {
-    std::string_view name;
     std::string_view text; ///< name="value"
-    size_t rank;
+    std::pair<size_t, std::string_view> rank;
 
-    Attribute(std::string_view attributeName, std::string_view nameAndValue)
-        : name(attributeName), text(nameAndValue),
-          rank(static_cast<size_t>(std::find(attributeOrder.begin(), attributeOrder.end(), name)
-                                   - attributeOrder.begin()))
+    Attribute(std::string_view name, std::string_view nameAndValue)
+        : text(nameAndValue), rank(kelDataFlow::attributeRank(name))
     { }
 
-    bool operator<(const Attribute &other) const
-    {
-        return rank != other.rank ? rank < other.rank : name < other.name;
-    }
+    bool operator<(const Attribute &other) const { return rank < other.rank; }
 };
 
 /// Walks a serialised document and puts the attributes of every start tag in order, in place. The toolkit
