@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QDataStream>
 #include <QDebug>
+#include <QIODevice>
 #include <QString>
 
 #include <csignal>

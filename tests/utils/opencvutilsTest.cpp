@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <opencv2/core.hpp>
 
+#include <QIODevice>
 #include <QMetaType>
 #include <QVariant>
 

@@ -46,34 +46,30 @@ class KeyWait : public QObject
 public:
     KeyWait() { QCoreApplication::instance()->installEventFilter(this); }
 
+    /// No event loop of its own: once an application has been told to quit, as closing its last window may do,
+    /// a loop ends at once and would never wait again.
     int run(int delay)
     {
-        if (delay <= 0) {
-            if (anyWindowIsOpen())
-                m_loop.exec();
-        } else {
-            const QDeadlineTimer end(delay);
+        const QDeadlineTimer end =
+            delay > 0 ? QDeadlineTimer(delay) : QDeadlineTimer(QDeadlineTimer::Forever);
+        const auto how = delay > 0 ? QEventLoop::AllEvents : QEventLoop::WaitForMoreEvents;
+        if (anyWindowIsOpen()) {
             do {
-                m_loop.processEvents();
-            } while (m_key == -1 && !end.hasExpired());
+                QCoreApplication::processEvents(how);
+            } while (m_key == -1 && anyWindowIsOpen() && !end.hasExpired());
         }
         return m_key;
     }
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (!dynamic_cast<ImageWindow *>(watched))
+        if (event->type() != QEvent::KeyPress || !dynamic_cast<ImageWindow *>(watched))
             return false;
-        const bool pressed = event->type() == QEvent::KeyPress;
-        if (pressed)
-            m_key = static_cast<QKeyEvent *>(event)->key();
-        if (pressed || (event->type() == QEvent::Hide && !anyWindowIsOpen()))
-            m_loop.quit();
-        return pressed;
+        m_key = static_cast<QKeyEvent *>(event)->key();
+        return true;
     }
 
 private:
-    QEventLoop m_loop;
     int m_key = -1;
 };
 

@@ -17,7 +17,6 @@ void kelShowInWindow(const cv::String &title, cv::InputArray image);
 
 /// As `cv::waitKey` does: waits until a key is pressed in one of these windows or the last of them is closed,
 /// for `delay` milliseconds at most, or without end when that is not positive. The result is the key, or -1.
-/// Ends with the event loop too, when the application quits.
 int kelWaitForKey(int delay);
 
 #endif
