@@ -759,15 +759,16 @@ TEST_F(kelAbstractDataCalibrationFileTest, TheReportOfAMissingFileIsFlushedLineB
 TEST(kelAbstractDataCalibrationTest, TheDirectionIsNormalisedBeforeItIsStretched)
 {
     const FixedProjections calibration;
-    double direction[] = {0.1, 0.7, -0.3};
-    calibration.compute_3d_height(cv::Point(5, 20), 10, direction);
-    const double norm = std::sqrt(0.1 * 0.1 + 0.7 * 0.7 + -0.3 * -0.3);
-    const cv::Point3d expected(1 + 180.0 * (0.1 / norm), 2 + 180.0 * (0.7 / norm),
-                               10 + 180.0 * (-0.3 / norm));
+    double d[] = {1.2, 0.2, -2.4};
+    calibration.compute_3d_height(cv::Point(5, 20), 10, d);
+    const double norm = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
+    const cv::Point3d expected(1 + 180.0 * (d[0] / norm), 2 + 180.0 * (d[1] / norm),
+                               10 + 180.0 * (d[2] / norm));
     EXPECT_TRUE(sameBits(calibration.askedPoint, expected));
-    const cv::Point3d stretchedFirst(1 + 180.0 * 0.1 / norm, 2 + 180.0 * 0.7 / norm,
-                                     10 + 180.0 * -0.3 / norm);
-    EXPECT_FALSE(sameBits(stretchedFirst, expected)) << "these numbers do not tell the two apart";
+    // The other way round, each of the three has another last bit.
+    EXPECT_NE(expected.x, 1 + 180.0 * d[0] / norm);
+    EXPECT_NE(expected.y, 2 + 180.0 * d[1] / norm);
+    EXPECT_NE(expected.z, 10 + 180.0 * d[2] / norm);
 }
 
 TEST(kelAbstractDataCalibrationTest, ANullDirectionIsAZeroOne)
