@@ -448,7 +448,6 @@ constexpr kelValueType types[] = {
     toolkits(named, QMetaType::QColorSpace, "s"),
     toolkits(named, QMetaType::Char16, "2"),
     toolkits(named, QMetaType::Char32, "4"),
-    toolkits(named, QMetaType::Float16, "2"),
 #endif
 };
 
