@@ -1,9 +1,8 @@
 #include "common/FrameView.h"
 
+#include "common/Failure.h"
 #include "common/OperatorView.h"
 #include "common/PlainView.h"
-#include "common/Program.h"
-#include "common/Scene.h"
 
 #include <QCommandLineParser>
 
@@ -38,9 +37,6 @@ ViewSettings readViewSettings(const QCommandLineParser &parser)
                                       [&known](QChar key) { return !known.contains(key); });
     if (unknown != settings.keys.cend())
         throw misuse(QStringLiteral("--keys takes keys out of %1, not \"%2\"").arg(known, QString(*unknown)));
-
-    settings.calibration = parser.value(QStringLiteral("calibration"));
-    settings.context = parser.value(QStringLiteral("context"));
     return settings;
 }
 
@@ -60,8 +56,7 @@ QString viewNotes()
 
 std::unique_ptr<FrameView> makeView(const ViewSettings &settings)
 {
-    const Scene scene(settings.calibration, settings.context);
     if (settings.kind == ViewSettings::Kind::Operator)
-        return std::make_unique<OperatorView>(scene, settings.keys);
-    return std::make_unique<PlainView>(scene, settings.mask);
+        return std::make_unique<OperatorView>(settings.scene, settings.keys);
+    return std::make_unique<PlainView>(settings.scene, settings.mask);
 }
