@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <climits>
+#include <vector>
 
 VideoSource::VideoSource(const QString &name) : m_name(name)
 {
@@ -18,9 +19,7 @@ VideoSource::VideoSource(const QString &name) : m_name(name)
         m_device = true;
     else if (kind != PathKind::Missing)
         mustBeReadableFile(name, QStringLiteral("video"));
-    else if (name.contains(QLatin1Char('%')) && !name.contains(QLatin1String("://")))
-        m_pictures = true;
-    else if (!name.contains(QLatin1String("://")))
+    else if (!name.contains(QLatin1Char('%')) && !name.contains(QLatin1String("://")))
         throw Failure(
             QStringLiteral("there is no video %1; check its name, or give the index of a camera").arg(name));
     if (!reopen())
@@ -37,19 +36,12 @@ bool VideoSource::reopen()
         return m_capture.open(m_camera);
     // Named one by one: left to itself, OpenCV also looks for photo cameras on every bus.
     const std::string path = QFile::encodeName(m_name).toStdString();
-    for (const int backend : backends())
+    const std::vector<int> files{cv::CAP_FFMPEG, cv::CAP_GSTREAMER, cv::CAP_IMAGES, cv::CAP_OPENCV_MJPEG};
+    const std::vector<int> devices{cv::CAP_V4L2, cv::CAP_FFMPEG, cv::CAP_GSTREAMER};
+    for (const int backend : m_device ? devices : files)
         if (m_capture.open(path, backend))
             return true;
     return false;
-}
-
-std::vector<int> VideoSource::backends() const
-{
-    if (m_device)
-        return {cv::CAP_V4L2, cv::CAP_FFMPEG, cv::CAP_GSTREAMER};
-    if (m_pictures) // not FFmpeg first: it may stop at the picture up to which it looked for the format
-        return {cv::CAP_IMAGES, cv::CAP_FFMPEG};
-    return {cv::CAP_FFMPEG, cv::CAP_GSTREAMER, cv::CAP_IMAGES, cv::CAP_OPENCV_MJPEG};
 }
 
 double VideoSource::framesPerSecond() const

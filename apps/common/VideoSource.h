@@ -10,7 +10,6 @@
 #include <QString>
 
 #include <map>
-#include <vector>
 
 /// Frames per second that a run can have: a picture in eleven days, and more than any camera takes. A file that
 /// claims another rate means the ticks of its clock, or nothing.
@@ -22,7 +21,8 @@ class VideoSource
 {
 public:
     /// Opens `name`: a file, a device, or else the index of a camera, an address ("rtsp://...") or numbered
-    /// pictures ("frame_%04d.png").
+    /// pictures ("frame_%04d.png"). These are opened one after another: the name must outlive a change of the
+    /// working directory.
     /// \throws Failure when there is no such file or it is no video.
     explicit VideoSource(const QString &name);
 
@@ -40,12 +40,10 @@ public:
 
 private:
     bool reopen();
-    std::vector<int> backends() const; ///< of OpenCV, in the order in which they are tried
 
     QString m_name;
     int m_camera = -1; ///< index; -1: opened by its name
     bool m_device = false;
-    bool m_pictures = false; ///< numbered ones
     cv::VideoCapture m_capture;
     int m_next = 0; ///< index of the frame that `read` takes
     std::map<int, cv::Mat> m_recent; ///< what `frame` decoded last

@@ -43,6 +43,15 @@ Exit codes:
 /// A path that outlives the change of the working directory.
 QString absolute(const QString &path) { return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath(); }
 
+/// What the name says of the video once the working directory has changed.
+QString absoluteVideo(const QString &name)
+{
+    bool isIndex = false;
+    name.toInt(&isIndex);
+    const bool isCamera = isIndex && !QFileInfo::exists(name);
+    return isCamera || name.contains(QLatin1String("://")) ? name : absolute(name);
+}
+
 QDateTime parseStart(const QString &text)
 {
     QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
@@ -115,7 +124,7 @@ std::optional<Settings> readSettings(const QStringList &arguments)
         throw misuse(QStringLiteral("--append and --overwrite exclude each other"));
 
     Settings settings;
-    settings.video = QFileInfo::exists(videos.first()) ? absolute(videos.first()) : videos.first();
+    settings.video = absoluteVideo(videos.first());
     settings.folder = parser.value(QStringLiteral("out"));
     if (parser.isSet(QStringLiteral("append")))
         settings.mode = RunWriter::Mode::Append;
@@ -131,7 +140,7 @@ std::optional<Settings> readSettings(const QStringList &arguments)
         throw misuse(QStringLiteral("--mask is for --view plain; key A shows the foreground in --view rgbd"));
     settings.show = parser.isSet(QStringLiteral("show"));
     settings.render = absolute(parser.value(QStringLiteral("render")));
-    if (!settings.render.isEmpty() && QFileInfo(settings.render) == QFileInfo(settings.video))
+    if (QFileInfo::exists(settings.render) && QFileInfo(settings.render) == QFileInfo(settings.video))
         throw misuse(QStringLiteral("--render would write over the video %1").arg(videos.first()));
     settings.renderEvery = integerOption(parser, QStringLiteral("render-every"), 1, 1);
     if (parser.isSet(QStringLiteral("min-area")))

@@ -29,7 +29,6 @@ class SettingsTest : public TemporaryFolder
 TEST_F(SettingsTest, WhatIsNotSaidIsLeftOpen)
 {
     const Settings read = settings();
-    EXPECT_EQ(read.video, "street.avi");
     EXPECT_EQ(read.folder, "run");
     EXPECT_EQ(read.mode, RunWriter::Mode::Fresh);
     EXPECT_TRUE(read.start.isNull());
@@ -43,9 +42,14 @@ TEST_F(SettingsTest, WhatIsNotSaidIsLeftOpen)
 
 TEST_F(SettingsTest, PathsOutliveAChangeOfTheWorkingDirectory)
 {
-    write("street.avi", "");
     const Settings read = settings({"--render", "frames"});
     EXPECT_EQ(read.video, QDir::current().filePath("street.avi"));
+    const auto video = [](const QString &name) { return readSettings({name, "--out", "run"})->video; };
+    EXPECT_EQ(video("picture_%03d.png"), QDir::current().filePath("picture_%03d.png"));
+    EXPECT_EQ(video("rtsp://camera/1"), "rtsp://camera/1");
+    EXPECT_EQ(video("0"), "0") << "a camera";
+    write("0", "");
+    EXPECT_EQ(video("0"), QDir::current().filePath("0")) << "a file of that name";
     EXPECT_EQ(read.render, QDir::current().filePath("frames"));
 }
 
@@ -85,4 +89,6 @@ TEST_F(SettingsTest, TheVideoItselfIsNotDrawnOver)
 {
     write("street.avi", "");
     EXPECT_TRUE(misunderstood({"--render", "./street.avi"}).contains("would write over the video"));
+    EXPECT_EQ(misunderstood({"--render", "drawn.avi"}), QString());
+    EXPECT_EQ(readSettings({"0", "--out", "run", "--render", "frames"})->video, "0") << "neither is there";
 }

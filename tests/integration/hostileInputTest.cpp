@@ -282,16 +282,20 @@ TEST_F(hangingVideoTest, ASecondSignalEndsARunThatHangs)
         process.waitForFinished(1);
     const int hanging = pictures - 50;
     replaceByPipe(hanging);
-    for (int i = 0; i < 600 && content("run/dataflow.xml").count("<Frame ") < hanging; ++i)
+    const auto frames = [] { return content("run/dataflow.xml").count("<Frame "); };
+    const int ahead = 40; // the decoder may open some pictures before they are asked for
+    for (int i = 0; i < 600 && frames() < hanging - ahead; ++i)
         ASSERT_FALSE(process.waitForFinished(100)) << "the video should keep it waiting";
-    ASSERT_FALSE(process.waitForFinished(1000)) << "the video should keep it waiting";
+    ASSERT_FALSE(process.waitForFinished(3000)) << "the video should keep it waiting";
+    const auto before = frames();
     send(process, SIGINT);
     ASSERT_FALSE(process.waitForFinished(500)) << "the first signal is for the loop";
     send(process, SIGTERM);
     const Ended run = ended(process, 30);
     EXPECT_TRUE(run.crashed) << run;
     EXPECT_EQ(run.code, SIGTERM) << run;
-    EXPECT_TRUE(kelreplay({"verify", "run"}).output.startsWith("complete: 350 frames")) << "nothing is lost";
+    EXPECT_EQ(frames(), before);
+    EXPECT_EQ(kelreplay({"verify", "run"}).code, 0) << "nothing is lost";
 }
 
 TEST_F(hostileInputTest, RecordsBeyondWhatCanBeReadAreOneLine)

@@ -7,6 +7,8 @@
 #include "integration/programs.h"
 #include "support/Capture.h"
 
+#include <opencv2/imgcodecs.hpp>
+
 #include <QRegularExpression>
 
 #include <signal.h>
@@ -74,6 +76,15 @@ TEST_F(recordingRunsTest, EveryBoxIsReadBackByTheLibraryAsKelreplayShowsIt)
         EXPECT_EQ(cv::Rect(box.x(), box.y(), box.width(), box.height()), shown[i]);
     }
     qDeleteAll(objects);
+}
+
+TEST_F(recordingRunsTest, NumberedPicturesAreRecordedToTheLast)
+{
+    const int pictures = 200; // more than are opened before the first is recorded
+    for (int i = 0; i < pictures; ++i)
+        cv::imwrite(cv::format("picture_%03d.png", i), cv::Mat(32, 32, CV_8UC3, cv::Scalar::all(i)));
+    EXPECT_EQ(kelrecord({"picture_%03d.png", "--out", "run"}).code, 0);
+    EXPECT_TRUE(kelreplay({"verify", "run"}).output.startsWith("complete: 200 frames"));
 }
 
 TEST_F(recordingRunsTest, BlobsHonourTheMinimums)
