@@ -17,13 +17,17 @@ void writePng(const QString &path, const cv::Mat &picture);
 class PictureSink
 {
 public:
-    /// \param target the folder, which is made where it is missing, or a path that ends in ".avi".
+    /// \param target the folder, which is made where it is missing, or a path that ends in ".avi". The folder
+    /// around it must be there.
     /// \param framesPerSecond of the video.
+    /// \throws Failure when nothing can be written there.
     PictureSink(const QString &target, double framesPerSecond);
 
     void add(quint32 frameNumber, const cv::Mat &picture);
 
 private:
+    QString pathOf(quint32 frameNumber) const;
+
     QString m_target;
     double m_framesPerSecond;
     bool m_isVideo;

@@ -4,15 +4,11 @@
 #include <opencv2/core/utils/logger.hpp>
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QLoggingCategory>
 
 #include <cerrno>
-#include <cmath>
 #include <csignal>
-#include <cstdio>
 #include <iostream>
-#include <limits>
 #include <new>
 
 #include <fcntl.h>
@@ -20,18 +16,6 @@
 #include <unistd.h>
 
 namespace {
-
-QString &programName()
-{
-    static QString name;
-    return name;
-}
-
-bool &onDisplay()
-{
-    static bool display = false;
-    return display;
-}
 
 /// Asks the toolkit, in a process of its own, whether a window can be opened: where it cannot, the toolkit
 /// ends the process that asks.
@@ -57,12 +41,12 @@ bool displayAnswers()
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// The programs report what goes wrong themselves, in one line.
 void silenceLibraries()
 {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
-        if (type == QtFatalMsg)
-            say(text);
+        if (type == QtFatalMsg) // the toolkit ends the program behind it
+            std::cerr << QCoreApplication::applicationName().toStdString() << ": " << text.toStdString()
+                      << std::endl;
     });
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     cv::redirectError([](int, const char *, const char *, const char *, int, void *) { return 0; });
@@ -70,93 +54,57 @@ void silenceLibraries()
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
 }
 
-} // namespace
-
-void say(const QString &line)
+void prepareSignals()
 {
-    std::cerr << programName().toStdString() << ": " << line.toStdString() << std::endl;
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is a failing write, with its line
+    // A shell that starts programs in the background may have them ignore Ctrl-C; `kill -INT` is how its
+    // scripts end a run all the same.
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
 }
 
-bool hasDisplay() { return onDisplay(); }
+} // namespace
 
-int runProgram(const char *name, int argc, char **argv, bool wantsWindow,
-               const std::function<void(const QStringList &)> &work)
+Program::Program(const char *name, int argc, char **argv, bool wantsWindow)
+    : m_name(QString::fromLatin1(name)), m_display(wantsWindow && displayAnswers()), m_argc(argc)
 {
-    programName() = QString::fromLatin1(name);
-    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is a failing write, with its line
+    prepareSignals();
+    QCoreApplication::setApplicationName(m_name);
+    QCoreApplication::setApplicationVersion(QStringLiteral(KEL_VERSION));
     silenceLibraries();
-    onDisplay() = wantsWindow && displayAnswers();
-    if (!onDisplay())
+    if (!m_display)
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    application.setApplicationName(programName());
-    application.setApplicationVersion(QStringLiteral(KEL_VERSION));
+    m_application = std::make_unique<QApplication>(m_argc, argv);
+}
 
+Program::~Program() = default;
+
+void Program::say(const QString &line) const
+{
+    QString text = line; // names of files may hold anything, and one line is one line
+    text.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
+    std::cerr << m_name.toStdString() << ": " << text.toStdString() << std::endl;
+}
+
+int Program::run(const std::function<void(const QStringList &)> &work) const
+{
     try {
-        work(application.arguments().mid(1));
+        work(QCoreApplication::arguments().mid(1));
         std::cout.flush();
         if (!std::cout)
-            throw Failure(QStringLiteral("standard output cannot be written"));
+            throw Failure(QStringLiteral("standard output cannot be written; is the disk behind it full?"));
         return Done;
     } catch (const Failure &failure) {
         say(QString::fromUtf8(failure.what()));
         return failure.code();
     } catch (const cv::Exception &exception) {
-        say(QStringLiteral("the image library failed: %1 (%2)")
+        say(QStringLiteral("the image library failed: %1 (%2); is the video or a picture damaged?")
                 .arg(QString::fromStdString(exception.err), QString::fromStdString(exception.func)));
     } catch (const std::bad_alloc &) {
-        say(QStringLiteral("not enough memory"));
+        say(QStringLiteral("not enough memory; end other programs, or take a smaller input"));
     } catch (const std::exception &exception) {
-        say(QString::fromLocal8Bit(exception.what()));
+        say(QStringLiteral("something went wrong that nobody has foreseen: %1; is the input damaged?")
+                .arg(QString::fromLocal8Bit(exception.what())));
     }
     return Failed;
-}
-
-bool parse(QCommandLineParser &parser, const QStringList &arguments, const QString &usage,
-           const QString &notes)
-{
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Show the version."));
-    parser.addOption(help);
-    parser.addOption(version);
-    if (!parser.parse(QStringList{programName()} + arguments))
-        throw misuse(parser.errorText());
-    if (parser.isSet(help)) {
-        const QString text = parser.helpText();
-        std::cout << "Usage: " << usage.toStdString() << '\n'
-                  << text.mid(text.indexOf(QLatin1Char('\n')) + 1).toStdString() << '\n'
-                  << notes.toStdString();
-        return false;
-    }
-    if (parser.isSet(version)) {
-        std::cout << programName().toStdString() << " " KEL_VERSION << '\n';
-        return false;
-    }
-    return true;
-}
-
-int integerOption(const QCommandLineParser &parser, const QString &option, int least, int otherwise)
-{
-    if (!parser.isSet(option))
-        return otherwise;
-    bool ok = false;
-    const int value = parser.value(option).toInt(&ok);
-    if (!ok || value < least)
-        throw misuse(QStringLiteral("--%1 takes a whole number from %2 on, not \"%3\"")
-                         .arg(option, QString::number(least), parser.value(option)));
-    return value;
-}
-
-double realOption(const QCommandLineParser &parser, const QString &option, double otherwise)
-{
-    if (!parser.isSet(option))
-        return otherwise;
-    bool ok = false;
-    const double value = parser.value(option).toDouble(&ok);
-    if (!ok || !std::isfinite(value) || value <= 0)
-        throw misuse(QStringLiteral("--%1 takes a number greater than 0, not \"%2\"")
-                         .arg(option, parser.value(option)));
-    return value;
 }

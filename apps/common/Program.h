@@ -2,64 +2,45 @@
 #define APPS_COMMON_PROGRAM_H
 
 /// \file
-/// What every program does the same way: it starts with or without a display, reads its command line, and
-/// ends bad input with one line and an exit code.
+/// What every program does the same way: it starts with or without a display, and ends bad input with one
+/// line and an exit code.
+
+#include "common/Failure.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <functional>
-#include <stdexcept>
+#include <memory>
 
-class QCommandLineParser;
+class QApplication;
 
-/// Exit codes of the programs.
-enum ExitCode
-{
-    Done = 0, ///< also when ended by Ctrl-C
-    Failed = 1, ///< the work could not be done
-    Misused = 2 ///< the command line was not understood
-};
-
-/// Ends the program with one line on standard error: what is wrong, where, and what to do.
-class Failure : public std::runtime_error
+/// A program from its start to its exit code. One lives at a time.
+class Program
 {
 public:
-    explicit Failure(const QString &line, ExitCode code = Failed)
-        : std::runtime_error(line.toStdString()), m_code(code)
-    { }
-    ExitCode code() const { return m_code; }
+    /// Starts the toolkit and silences the libraries: the program reports what goes wrong itself. Where no
+    /// window is wanted, or there is no display, the toolkit draws off screen. `argv` must outlive the object.
+    Program(const char *name, int argc, char **argv, bool wantsWindow);
+    ~Program();
+
+    Program(const Program &) = delete;
+    Program &operator=(const Program &) = delete;
+
+    /// True when a window was wanted and there is a display to show it on.
+    bool hasDisplay() const { return m_display; }
+    /// One line on standard error, with the program's name in front.
+    void say(const QString &line) const;
+
+    /// Does the work with the arguments behind the program's name, and turns what it throws into one line.
+    /// \return the exit code.
+    int run(const std::function<void(const QStringList &arguments)> &work) const;
 
 private:
-    ExitCode m_code;
+    QString m_name;
+    bool m_display;
+    int m_argc; ///< the toolkit keeps a reference to it
+    std::unique_ptr<QApplication> m_application;
 };
-
-/// A failure of the command line.
-inline Failure misuse(const QString &line)
-{
-    return Failure(line + QStringLiteral(" (--help shows how it is used)"), Misused);
-}
-
-/// One line on standard error, with the program's name in front.
-void say(const QString &line);
-
-/// Runs `work` with the arguments after the program's name, and turns what it throws into one line and an
-/// exit code. Where no window is wanted, or there is no display, the toolkit draws off screen.
-int runProgram(const char *name, int argc, char **argv, bool wantsWindow,
-               const std::function<void(const QStringList &arguments)> &work);
-
-/// True when the program started on a display.
-bool hasDisplay();
-
-/// Parses `arguments` (without the program's name). `usage` is the line behind "Usage: "; `notes` (examples,
-/// exit codes) stands behind the options in the help text. \return false when the help or the version was
-/// asked for and has been printed.
-bool parse(QCommandLineParser &parser, const QStringList &arguments, const QString &usage,
-           const QString &notes);
-
-/// The value of an option as a number in [`least`, the largest]; `otherwise` where the option is not given.
-int integerOption(const QCommandLineParser &parser, const QString &option, int least, int otherwise);
-/// The value of an option as a positive real number; `otherwise` where the option is not given.
-double realOption(const QCommandLineParser &parser, const QString &option, double otherwise);
 
 #endif

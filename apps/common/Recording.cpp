@@ -1,6 +1,9 @@
 #include "common/Recording.h"
 
-#include "common/Program.h"
+#include "common/Failure.h"
+#include "common/RegularFile.h"
+
+#include <kelCore/data/kelDataBlob.h>
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +11,7 @@
 #include <QXmlStreamReader>
 
 #include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -19,7 +23,10 @@ quint32 number(const QXmlStreamAttributes &attributes, const char *name)
 
 QDateTime time(const QXmlStreamAttributes &attributes)
 {
-    const auto part = [&attributes](const char *name) { return static_cast<int>(number(attributes, name)); };
+    // Numbers beyond 2147483647 count as 0: the year 4294967295 is that of a null time, not one before Christ.
+    const auto part = [&attributes](const char *name) {
+        return attributes.value(QLatin1String(name)).toString().toInt();
+    };
     const QDate date(part("timeYear"), part("timeMonth"), part("timeDay"));
     const QTime time(part("timeHour"), part("timeMin"), part("timeSec"), part("timeMs"));
     return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
@@ -45,10 +52,13 @@ Recording::Recording(const QString &place)
 {
     const QFileInfo info(place);
     if (!info.exists())
-        throw Failure(QStringLiteral("no such recording: %1").arg(place));
+        throw Failure(QStringLiteral("there is no recording %1; give its folder or the path of its document")
+                          .arg(place));
     const QDir folder = info.isDir() ? QDir(place) : info.dir();
     m_documentPath = info.isDir() ? folder.filePath(documentName()) : place;
     m_recordsPath = folder.filePath(recordsName());
+    if (!info.isDir())
+        mustBeReadableFile(place, QStringLiteral("document"));
     if (!QFile::exists(m_documentPath) && !QFile::exists(m_recordsPath))
         throw Failure(
             QStringLiteral("%1 holds no recording (%2 and %3)").arg(place, documentName(), recordsName()));
@@ -58,9 +68,10 @@ Recording::Recording(const QString &place)
 
 void Recording::readDocument()
 {
-    QFile file(m_documentPath);
-    if (!file.exists())
+    if (kindOf(m_documentPath) == PathKind::Missing)
         return; // killed before its first frame
+    mustBeReadableFile(m_documentPath, QStringLiteral("document"));
+    QFile file(m_documentPath);
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(QStringLiteral("%1 cannot be read: %2").arg(m_documentPath, file.errorString()));
     m_documentSize = file.size();
@@ -101,9 +112,14 @@ void Recording::readFrame(QXmlStreamReader &xml)
 
 void Recording::readRecords()
 {
-    QFile file(m_recordsPath);
-    if (!file.exists())
+    if (kindOf(m_recordsPath) == PathKind::Missing)
         return; // no frame with an object yet
+    mustBeReadableFile(m_recordsPath, QStringLiteral("records"));
+    QFile file(m_recordsPath);
+    if (file.size() > INT_MAX)
+        throw Failure(QStringLiteral("%1 has %2 bytes, and records are read up to 2 GiB; record a long run "
+                                     "in parts, with --max-frames and a folder for each")
+                          .arg(m_recordsPath, QString::number(file.size())));
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(QStringLiteral("%1 cannot be read: %2").arg(m_recordsPath, file.errorString()));
     m_bytes = file.readAll();
@@ -193,7 +209,10 @@ std::vector<cv::Rect> Recording::boxesOf(const RecordedFrame &frame) const
 
 QRect boxOf(const kelDataFlowRecord &record)
 {
-    const QRect box = record.properties.value(QStringLiteral("BoundingBox2D")).toRect();
+    kelDataBlob blob; // knows under which key a box is recorded
+    QVariantMap properties = record.properties;
+    blob.setMap(properties);
+    const QRect box = blob.getBoundingBox2D_qt();
     const int limit = 1 << 20; // pixels; a damaged record may hold any numbers, and sizes must be computable
     for (const int edge : {box.left(), box.top(), box.right(), box.bottom()})
         if (edge < -limit || edge > limit)

@@ -18,11 +18,13 @@
 
 #include <vector>
 
+class QXmlStreamReader;
+
 /// One frame of the document.
 struct RecordedFrame
 {
     quint32 number = 0;
-    QDateTime time; ///< UTC; null when none was recorded
+    QDateTime time; ///< UTC; null when none was recorded, or none that there is
     qint64 line = 0; ///< where the frame begins in the document
     int firstRecord = 0; ///< index of its first record in the binary file
     QStringList dataTypes; ///< of its data elements, in order: one record each
@@ -84,7 +86,7 @@ public:
 
 private:
     void readDocument();
-    void readFrame(class QXmlStreamReader &xml);
+    void readFrame(QXmlStreamReader &xml);
     void readRecords();
 
     QString m_documentPath;

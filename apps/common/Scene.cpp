@@ -1,32 +1,37 @@
 #include "common/Scene.h"
 
-#include "common/Program.h"
+#include "common/CpuTimeLimit.h"
+#include "common/Failure.h"
+#include "common/RegularFile.h"
 
 #include <kelCore/data/kelDataContext.h>
 #include <kelCore/geometry/kelGroundPoint.h>
 
 #include <opencv2/core.hpp>
 
-#include <QFileInfo>
-
 namespace {
 
-void mustBeReadable(const QString &path, const char *what)
+/// Has `read` parse the file at `path`. The parser throws whatever it meets on damaged files.
+/// \param needed what the file must hold, in words.
+template <class Read>
+void readParsed(const QString &path, const QString &what, const QString &needed, Read read)
 {
-    if (!QFileInfo(path).isFile() || !QFileInfo(path).isReadable())
-        throw Failure(QStringLiteral("the %1 file %2 cannot be read").arg(QLatin1String(what), path));
+    mustBeReadableFile(path, what);
+    const QString holdsNone = QStringLiteral("%1 holds no %2: it needs %3").arg(path, what, needed);
+    const int seconds = 3; // such a file is read in milliseconds
+    const CpuTimeLimit limit(seconds, holdsNone + QStringLiteral(", and the parser finds no end in it"));
+    try {
+        read();
+    } catch (const std::exception &) {
+        throw Failure(holdsNone);
+    }
 }
 
 std::list<ContextElement> readContext(const QString &path)
 {
-    mustBeReadable(path, "context");
     kelDataContext context;
-    try {
-        context.read(path);
-    } catch (const cv::Exception &) {
-        throw Failure(
-            QStringLiteral("%1 holds no context: it needs a list of maps named contextList").arg(path));
-    }
+    readParsed(path, QStringLiteral("context"), QStringLiteral("a list of maps named contextList"),
+               [&] { context.read(path); });
     return context.getContext();
 }
 
@@ -44,18 +49,12 @@ Scene::Scene(const QString &calibration, const QString &context)
 
 kelAbstractDataCalibration readCalibration(const QString &path)
 {
-    mustBeReadable(path, "calibration");
     kelAbstractDataCalibration calibration;
-    try {
-        calibration.read(path);
-        calibration.worldToImage(cv::Point3d(0, 0, 0));
-    } catch (const cv::Exception &) {
-        throw Failure(
-            QStringLiteral(
-                "%1 holds no camera: it needs intrinsicMatrix (3x4) and extrinsicMatrix (4x4), both of "
-                "doubles")
-                .arg(path));
-    }
+    readParsed(path, QStringLiteral("calibration"),
+               QStringLiteral("intrinsicMatrix (3x4) and extrinsicMatrix (4x4), both of doubles"), [&] {
+                   calibration.read(path);
+                   calibration.worldToImage(cv::Point3d(0, 0, 0)); // throws where it cannot project
+               });
     return calibration;
 }
 

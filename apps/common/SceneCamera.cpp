@@ -1,6 +1,6 @@
 #include "common/SceneCamera.h"
 
-#include "common/Program.h"
+#include "common/Failure.h"
 #include "common/Scene.h"
 
 #include <opencv2/core.hpp>

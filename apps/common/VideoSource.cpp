@@ -1,27 +1,32 @@
 #include "common/VideoSource.h"
 
-#include "common/Program.h"
+#include "common/Failure.h"
+#include "common/RegularFile.h"
 
 #include <QFile>
-#include <QFileInfo>
+
+#include <climits>
+#include <vector>
 
 VideoSource::VideoSource(const QString &name) : m_name(name)
 {
-    const QFileInfo file(name);
+    const PathKind kind = kindOf(name);
     bool isNumber = false;
     const int number = name.toInt(&isNumber);
-    if (!file.exists() && isNumber && number >= 0)
+    if (kind == PathKind::Missing && isNumber && number >= 0)
         m_camera = number;
-    else if (file.isDir())
-        throw Failure(QStringLiteral("%1 is a folder; give a video file or the index of a camera").arg(name));
-    else if (!file.exists() && !name.contains(QLatin1Char('%')) && !name.contains(QLatin1String("://")))
-        throw Failure(QStringLiteral("no such video: %1").arg(name));
-    else if (file.exists() && !file.isReadable())
-        throw Failure(QStringLiteral("%1 cannot be read; check its permissions").arg(name));
+    else if (kind == PathKind::CharacterDevice)
+        m_device = true;
+    else if (kind != PathKind::Missing)
+        mustBeReadableFile(name, QStringLiteral("video"));
+    else if (!name.contains(QLatin1Char('%')) && !name.contains(QLatin1String("://")))
+        throw Failure(
+            QStringLiteral("there is no video %1; check its name, or give the index of a camera").arg(name));
     if (!reopen())
         throw Failure(
-            isCamera() ? QStringLiteral("camera %1 cannot be opened; is it connected and free?").arg(number)
-                       : QStringLiteral("%1 is not a video that can be read").arg(name));
+            isCamera()
+                ? QStringLiteral("camera %1 cannot be opened; is it connected and free?").arg(name)
+                : QStringLiteral("%1 is not a video that can be read; does a player show it?").arg(name));
 }
 
 bool VideoSource::reopen()
@@ -31,7 +36,9 @@ bool VideoSource::reopen()
         return m_capture.open(m_camera);
     // Named one by one: left to itself, OpenCV also looks for photo cameras on every bus.
     const std::string path = QFile::encodeName(m_name).toStdString();
-    for (const int backend : {cv::CAP_FFMPEG, cv::CAP_GSTREAMER, cv::CAP_IMAGES, cv::CAP_OPENCV_MJPEG})
+    const std::vector<int> files{cv::CAP_FFMPEG, cv::CAP_GSTREAMER, cv::CAP_IMAGES, cv::CAP_OPENCV_MJPEG};
+    const std::vector<int> devices{cv::CAP_V4L2, cv::CAP_FFMPEG, cv::CAP_GSTREAMER};
+    for (const int backend : m_device ? devices : files)
         if (m_capture.open(path, backend))
             return true;
     return false;
@@ -40,13 +47,13 @@ bool VideoSource::reopen()
 double VideoSource::framesPerSecond() const
 {
     const double fps = m_capture.get(cv::CAP_PROP_FPS);
-    return fps > 0 && fps < 100000 ? fps : 25;
+    return fps >= leastRate && fps <= greatestRate ? fps : 25;
 }
 
 int VideoSource::frameCount() const
 {
     const double count = isCamera() ? 0 : m_capture.get(cv::CAP_PROP_FRAME_COUNT);
-    return count > 0 && count < 1e9 ? static_cast<int>(count) : 0;
+    return count > 0 && count < INT_MAX ? static_cast<int>(count) : 0; // streams claim wild numbers
 }
 
 bool VideoSource::read(cv::Mat &frame)
@@ -59,7 +66,7 @@ bool VideoSource::read(cv::Mat &frame)
 
 cv::Mat VideoSource::frame(int index)
 {
-    const size_t kept = 64;
+    const size_t kept = 64; // two pages of the replay's steps, and 170 MB of a video of 720 lines
     const auto found = m_recent.find(index);
     if (found != m_recent.end())
         return found->second;

@@ -9,7 +9,6 @@
 class FrameView;
 struct ViewSettings;
 
-/// \throws Failure when a file that the settings name cannot be read.
 std::unique_ptr<FrameView> makeView(const ViewSettings &settings);
 
 #endif

@@ -1,6 +1,6 @@
 #include "common/ViewSettings.h"
 
-#include "common/Program.h"
+#include "common/Failure.h"
 
 #include <kelCore/view/MyQGraphicsScene.h>
 
@@ -51,9 +51,6 @@ ViewSettings readViewSettings(const QCommandLineParser &parser)
                                       [&known](QChar key) { return !known.contains(key); });
     if (unknown != settings.keys.cend())
         throw misuse(QStringLiteral("--keys takes keys out of %1, not \"%2\"").arg(known, QString(*unknown)));
-
-    settings.calibration = parser.value(QStringLiteral("calibration"));
-    settings.context = parser.value(QStringLiteral("context"));
     return settings;
 }
 

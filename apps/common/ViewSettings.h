@@ -4,6 +4,8 @@
 /// \file
 /// What the command line says of views, and what the help says of them.
 
+#include "common/Scene.h"
+
 #include <QString>
 
 class QCommandLineParser;
@@ -17,15 +19,13 @@ struct ViewSettings
     };
     Kind kind = Kind::Plain;
     QString keys; ///< pressed in the operator's view before its first frame
-    QString calibration; ///< path; empty for none
-    QString context; ///< path; empty for none
+    Scene scene; ///< of --calibration and --context; readViewSettings leaves it empty
     bool mask = false; ///< paint the foreground black; in the base view alone
 };
 
 /// The options --view and --keys.
 void addViewOptions(QCommandLineParser &parser);
-/// What they say, and --calibration and --context, which each program describes itself.
-/// \throws Failure when they are not understood.
+/// What they say. \throws Failure when they are not understood.
 ViewSettings readViewSettings(const QCommandLineParser &parser);
 /// A paragraph of the help text: what the keys do.
 QString viewNotes();

@@ -1,6 +1,5 @@
 #include "kelrecord/LiveView.h"
 
-#include "common/Program.h"
 #include "common/Recording.h"
 #include "common/VideoSource.h"
 #include "common/ViewFactory.h"
@@ -14,11 +13,8 @@
 #include <cmath>
 
 LiveView::LiveView(const Settings &settings, const VideoSource &source)
-    : m_settings(settings), m_view(makeView(settings.view))
+    : m_settings(settings), m_view(makeView(settings.view)), m_window(settings.show)
 {
-    if (settings.show && !hasDisplay() && !settings.quiet)
-        say(QStringLiteral("there is no display, so --show shows nothing; --render draws without one"));
-    m_window = settings.show && hasDisplay();
     if (!settings.render.isEmpty())
         m_sink.emplace(settings.render,
                        settings.framesPerSecond > 0 ? settings.framesPerSecond : source.framesPerSecond());

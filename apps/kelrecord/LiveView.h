@@ -22,7 +22,7 @@ struct Settings;
 class LiveView
 {
 public:
-    /// Opens the window where one is wanted and there is a display, and says so where there is none.
+    /// Opens the window where one is wanted.
     LiveView(const Settings &settings, const VideoSource &source);
 
     /// The run goes on behind that recording.
@@ -38,7 +38,7 @@ private:
 
     const Settings &m_settings;
     std::unique_ptr<FrameView> m_view;
-    bool m_window = false;
+    bool m_window;
     std::optional<PictureSink> m_sink;
     QElapsedTimer m_clock;
     std::deque<qint64> m_times; ///< of the frames of the last second, in milliseconds

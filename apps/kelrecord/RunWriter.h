@@ -4,6 +4,9 @@
 /// \file
 /// Writes a run into a folder.
 
+#include "common/Failure.h"
+#include "kelrecord/FolderLock.h"
+
 #include <kelCore/data/CSynchronizer.h>
 
 #include <QList>
@@ -11,6 +14,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class Recording;
 class kelAbstractData;
@@ -39,18 +43,30 @@ public:
     const Recording *previous() const { return m_previous.get(); }
 
     /// Writes one frame.
-    /// \throws Failure when it is not on disk afterwards; the frames before it are.
+    /// \throws Failure when it is not on disk afterwards, or the files are not as the frame before left them.
+    /// The frames before it are on disk then, as far as nobody else has removed them.
     void write(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &objects);
 
 private:
-    void lock();
+    /// Sizes in bytes; -1 for a file that is not there.
+    struct Sizes
+    {
+        qint64 document;
+        qint64 records;
+    };
+    static Sizes sizesNow();
+
     void prepare(Mode mode);
     void trim();
+    void mustBeAsLeft(quint32 frame) const;
+    Failure changed(const QString &name, quint32 frame, qint64 found, qint64 left) const;
+    Failure notWritten(quint32 frame, const QString &why) const;
 
     QString m_folder;
-    int m_lock = -1;
+    std::optional<FolderLock> m_lock;
     std::unique_ptr<Recording> m_previous;
     std::unique_ptr<kelAbstractProcessDataFlowWriter> m_writer;
+    Sizes m_left = {}; ///< after the last frame
 };
 
 #endif

@@ -13,7 +13,7 @@
 #include <climits>
 #include <optional>
 
-/// Paths of existing files are absolute: the working directory changes.
+/// What the command line of kelrecord asks for. Paths outlive a change of the working directory.
 struct Settings
 {
     QString video;

@@ -1,5 +1,6 @@
 #include "kelrecord/StampClock.h"
 
+#include "common/Failure.h"
 #include "common/Recording.h"
 #include "common/VideoSource.h"
 #include "kelrecord/Settings.h"
@@ -8,6 +9,11 @@
 
 #include <cmath>
 
+bool canBeRecorded(const QDateTime &time)
+{
+    return time.isValid() && time.date().year() >= 1 && time.date().year() <= 9999;
+}
+
 StampClock::StampClock(const Settings &settings, const VideoSource &source, const Recording *previous)
     : m_byIndex(!source.isCamera() || settings.framesPerSecond > 0),
       m_framesPerSecond(settings.framesPerSecond > 0 ? settings.framesPerSecond : source.framesPerSecond()),
@@ -15,23 +21,31 @@ StampClock::StampClock(const Settings &settings, const VideoSource &source, cons
 {
     if (previous && !previous->frames().empty())
         goOnBehind(previous->frames(), settings);
-    if (!m_start.isValid() && source.isCamera())
-        m_start = QDateTime::currentDateTimeUtc();
-    else if (!m_start.isValid())
+    if (!m_start.isValid() && !source.isCamera())
         m_start = QFileInfo(settings.video).lastModified().toUTC();
+    if (!m_start.isValid()) // a camera, or an address
+        m_start = QDateTime::currentDateTimeUtc();
 }
 
 CSynchronizer StampClock::stamp(int number) const
 {
+    const QDateTime time = m_byIndex ? at(static_cast<quint32>(number)) : QDateTime::currentDateTimeUtc();
+    if (!canBeRecorded(time))
+        throw Failure(
+            QStringLiteral("the time of frame %1 is not in the years 1 to 9999, which a recording can "
+                           "hold; give another --start or a greater --fps")
+                .arg(number));
     CSynchronizer stamp;
     stamp.setFrameNumber(static_cast<unsigned>(number));
-    stamp.setDateTime(m_byIndex ? at(static_cast<quint32>(number)) : QDateTime::currentDateTimeUtc());
+    stamp.setDateTime(time);
     return stamp;
 }
 
 QDateTime StampClock::at(quint32 number) const
 {
-    return m_start.addMSecs(std::llround(number * 1000.0 / m_framesPerSecond));
+    const double passed = number * 1000.0 / m_framesPerSecond;
+    const double bound = 1e15; // ms, 30,000 years
+    return passed < bound ? m_start.addMSecs(std::llround(passed)) : QDateTime();
 }
 
 void StampClock::goOnBehind(const std::vector<RecordedFrame> &frames, const Settings &settings)

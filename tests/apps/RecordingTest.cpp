@@ -32,3 +32,13 @@ TEST_F(RecordingTest, TheBoxesOfAFrameAreThoseOfItsBlobs)
     EXPECT_EQ(frame.stamp(), stampOf(3));
     EXPECT_EQ(frame.stamp().getFrameNumber(), 7u);
 }
+
+TEST_F(RecordingTest, AYearThatThereIsNotIsNoTime)
+{
+    write(
+        "dataflow.xml",
+        "<DataFlow><Frame frameNumber=\"0\"><Parameters/>"
+        "<Synchronization timeYear=\"4002692297\" timeMonth=\"6\" timeDay=\"1\" timeHour=\"12\" timeMin=\"0\" "
+        "timeSec=\"0\" timeMs=\"300\"/></Frame></DataFlow>");
+    EXPECT_TRUE(Recording(".").frames().front().time.isNull());
+}

@@ -1,0 +1,62 @@
+#include "kelrecord/Leftovers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+
+namespace {
+
+const QByteArray endOfDocument("</DataFlow>");
+
+/// Random letters mix upper and lower case as no word does.
+bool looksRandom(const QString &letters)
+{
+    return letters.contains(QRegularExpression(QStringLiteral("[a-z][A-Z]")));
+}
+
+bool isCutOff(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray begin = file.read(9);
+    file.seek(qMax<qint64>(0, file.size() - 64));
+    return begin.isEmpty()
+        || ((begin == "<DataFlow" || begin.startsWith("<?xml")) && !file.readAll().contains(endOfDocument));
+}
+
+QByteArray content(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+void removeTemporaryDocuments(const QString &document)
+{
+    const QFileInfo info(document);
+    static const QRegularExpression sixLetters(QStringLiteral("^[A-Za-z]{6}$"));
+    const QDir folder = info.dir();
+    const QDir::Filters files = QDir::Files | QDir::Hidden | QDir::NoSymLinks;
+    for (const QString &name : folder.entryList({info.fileName() + QStringLiteral(".??????")}, files)) {
+        const QString letters = name.right(6);
+        if (letters.contains(sixLetters) && (looksRandom(letters) || isCutOff(folder.filePath(name))))
+            QFile::remove(folder.filePath(name));
+    }
+}
+
+bool removeLastFrame(const QString &document)
+{
+    const QByteArray text = content(document);
+    // As the writer writes it; within a document "<" stands in front of a tag alone.
+    const int frame = static_cast<int>(text.lastIndexOf("\n <Frame "));
+    const int end = static_cast<int>(text.lastIndexOf(endOfDocument));
+    if (frame < 0 || end < frame)
+        return false;
+    QSaveFile file(document);
+    return file.open(QIODevice::WriteOnly) && file.write(text.left(frame + 1) + text.mid(end)) >= 0
+        && file.flush() && file.commit();
+}
