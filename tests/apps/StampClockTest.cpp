@@ -8,7 +8,7 @@
 #include "apps/scenes.h"
 #include "support/TemporaryFolder.h"
 
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <opencv2/videoio.hpp>
 

@@ -5,7 +5,7 @@
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/data/kelDataImage.h>
 #include <kelCore/process/kelAbstractProcessDataFlowWriter.h>
-#include <kelCore/process/kelDataFlowRecord.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include "integration/programs.h"
 #include "support/Capture.h"

@@ -7,7 +7,7 @@
 #include <kelCore/data/CSynchronizer.h>
 #include <kelCore/kelCoreExport.h>
 #include <kelCore/recording/kelDataFlowRecord.h>
-#include <kelCore/utils/kelResult.h>
+#include <kelCore/kelResult.h>
 
 #include <QDateTime>
 #include <QString>

@@ -5,7 +5,7 @@
 /// Records a run into a folder, for as long as it lasts.
 
 #include <kelCore/kelCoreExport.h>
-#include <kelCore/utils/kelResult.h>
+#include <kelCore/kelResult.h>
 
 #include <QList>
 #include <QSharedPointer>

@@ -5,7 +5,7 @@
 /// Where the frames of a recording on disk are. Internal.
 
 #include <kelCore/recording/internal/kelRecordingIndex.h>
-#include <kelCore/utils/kelResult.h>
+#include <kelCore/kelResult.h>
 
 #include <string>
 

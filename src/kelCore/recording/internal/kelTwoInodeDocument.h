@@ -5,7 +5,7 @@
 /// A document that grows by a frame in constant time, and is whole at every instant. Internal.
 
 #include <kelCore/recording/internal/kelFileDescriptor.h>
-#include <kelCore/utils/kelResult.h>
+#include <kelCore/kelResult.h>
 
 #include <QByteArray>
 #include <QString>
