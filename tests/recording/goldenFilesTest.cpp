@@ -76,7 +76,12 @@ TEST_F(goldenFilesTest, EveryFileOfRecordsIsReadAndWrittenAgain)
 
 TEST_F(goldenFilesTest, TheValuesOfCoreTypesAreThese)
 {
-    expectValues(content(golden("core-types.dat")), coreValues());
+    auto values = coreValues();
+    const auto isNothing = [](const auto &value) {
+        return value.first == "nothing";
+    }; // a null value under Qt 6
+    values.erase(std::remove_if(values.begin(), values.end(), isNothing), values.end());
+    expectValues(content(golden("core-types.dat")), values);
 }
 
 TEST_F(goldenFilesTest, TheValuesOfDrawingTypesAreThese)

@@ -192,6 +192,9 @@ TEST(hostileRecordsTest, APictureWithoutItsEndOrWithTwoHeadersIsRefused)
     QByteArray endless = record;
     endless.replace("IEND", "iend");
     expectRefused(endless);
+    QByteArray endlessSides = record;
+    endlessSides.replace(record.indexOf("IHDR") + 4, 8, fromHex("fffffffffffffff0"));
+    expectRefused(endlessSides);
     QByteArray twice = record;
     twice.replace("pHYs", "IHDR");
     expectRefused(twice);

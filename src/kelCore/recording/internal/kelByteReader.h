@@ -54,6 +54,16 @@ public:
     bool text(QString &value);
     bool bytes(QByteArray &value);
     bool skip(qint64 count);
+    /// The number of a type and the null flag behind it.
+    bool header(quint32 &type, qint8 &isNull)
+    {
+        if (!need(5))
+            return false;
+        type = m_bigEndian ? qFromBigEndian<quint32>(m_at) : qFromLittleEndian<quint32>(m_at);
+        isNull = static_cast<qint8>(m_at[4]);
+        m_at += 5;
+        return true;
+    }
     /// The length in front of a text or of bytes; true with a length of -1 for a null one.
     bool length(qint64 &value);
 

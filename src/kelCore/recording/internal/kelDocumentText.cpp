@@ -234,7 +234,7 @@ bool kelDataFlow::setContent(QDomDocument &document, const QByteArray &text, QSt
         return false;
     const bool suspicious = std::any_of(text.cbegin(), text.cend(),
                                         [](char c) { return isForbiddenControl(static_cast<uchar>(c)); });
-    if (!suspicious || namesAreSound(document))
+    if (!suspicious || (namesAreSound(document) && !holdsForbiddenControl(document.doctype().name())))
         return true;
     if (message)
         *message = QStringLiteral("a name holds a control character");

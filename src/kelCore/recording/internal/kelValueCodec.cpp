@@ -23,7 +23,7 @@ bool kelValueReader::read(QVariant &value)
     m_in.mark();
     quint32 number = 0;
     qint8 isNull = 0;
-    if (!m_in.number(number) || !m_in.number(isNull)) {
+    if (!m_in.header(number, isNull)) {
         m_in.unmark();
         return false;
     }
@@ -134,7 +134,7 @@ bool kelValueReader::skip()
     const Level level(*this);
     quint32 number = 0;
     qint8 isNull = 0;
-    if (!level.entered() || !m_in.number(number) || !m_in.number(isNull))
+    if (!level.entered() || !m_in.header(number, isNull))
         return false;
     const kelValueType *type = nullptr;
     if (number == kelValueType::named) {

@@ -222,8 +222,10 @@ private:
         constexpr qint64 longestSide = 1 << 20;
         const qint64 width = qFromBigEndian<quint32>(header.data());
         const qint64 height = qFromBigEndian<quint32>(header.data() + 4);
+        if (width > longestSide || height > longestSide)
+            return corrupt();
         pixelBytes = width * height * (header[8] > 8 ? 8 : 4);
-        return (width <= longestSide && height <= longestSide) || corrupt();
+        return true;
     }
 
     bool walkCursor()
