@@ -119,7 +119,7 @@ void checkView(QSharedPointer<kelDataImage> frame)
     view.setAcquisitionImage(frame);
     view.updateDisplay();
     EXPECT(view.widget());
-    EXPECT(view.getDisplay());
+    EXPECT(!view.getDisplay().isNull());
     const cv::Mat shown = view.getDisplay()->getImage();
     EXPECT(shown.size() == frame->getImage().size());
     EXPECT(shown.at<cv::Vec4b>(0, 0) == cv::Vec4b(20, 20, 20, 255));
