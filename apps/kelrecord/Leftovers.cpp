@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 namespace {
 
@@ -27,12 +26,6 @@ bool isCutOff(const QString &path)
         || ((begin == "<DataFlow" || begin.startsWith("<?xml")) && !file.readAll().contains(endOfDocument));
 }
 
-QByteArray content(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 void removeTemporaryDocuments(const QString &document)
@@ -46,17 +39,4 @@ void removeTemporaryDocuments(const QString &document)
         if (letters.contains(sixLetters) && (looksRandom(letters) || isCutOff(folder.filePath(name))))
             QFile::remove(folder.filePath(name));
     }
-}
-
-bool removeLastFrame(const QString &document)
-{
-    const QByteArray text = content(document);
-    // As the writer writes it; within a document "<" stands in front of a tag alone.
-    const int frame = static_cast<int>(text.lastIndexOf("\n <Frame "));
-    const int end = static_cast<int>(text.lastIndexOf(endOfDocument));
-    if (frame < 0 || end < frame)
-        return false;
-    QSaveFile file(document);
-    return file.open(QIODevice::WriteOnly) && file.write(text.left(frame + 1) + text.mid(end)) >= 0
-        && file.flush() && file.commit();
 }

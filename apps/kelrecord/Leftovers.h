@@ -12,8 +12,4 @@
 /// \param document path of the document.
 void removeTemporaryDocuments(const QString &document);
 
-/// Writes the document again without its last frame, whose records are not there.
-/// \return true when it then holds the frames before it, whole.
-bool removeLastFrame(const QString &document);
-
 #endif

@@ -5,34 +5,18 @@
 /// Writes a run into a folder.
 
 #include "common/Failure.h"
-#include "kelrecord/FolderLock.h"
 
-#include <kelCore/data/CSynchronizer.h>
-
-#include <QList>
-#include <QSharedPointer>
-#include <QString>
+#include <kelCore/recording/kelRecordingWriter.h>
 
 #include <memory>
-#include <optional>
 
 class Recording;
-class kelAbstractData;
-class kelAbstractProcessDataFlowWriter;
 
-/// The data-flow writer, at work in the recording's folder, with every frame checked on disk.
-///
-/// The library appends records to a file in the working directory, so the program's working directory is the
-/// recording's folder from the construction on.
+/// The library's writer, with the program's words for what goes wrong.
 class RunWriter
 {
 public:
-    enum class Mode
-    {
-        Fresh, ///< the folder must hold no recording
-        Overwrite, ///< one that is there is removed
-        Append ///< goes on behind the last complete frame; what an interrupted run left unfinished is trimmed
-    };
+    using Mode = kelRecordingOptions::Mode;
 
     /// Makes the folder where it is missing, takes it for this process alone, and prepares it for the mode.
     /// \throws Failure when that cannot be done, or when the recording to append to is damaged.
@@ -48,25 +32,9 @@ public:
     void write(const CSynchronizer &stamp, const QList<QSharedPointer<kelAbstractData>> &objects);
 
 private:
-    /// Sizes in bytes; -1 for a file that is not there.
-    struct Sizes
-    {
-        qint64 document;
-        qint64 records;
-    };
-    static Sizes sizesNow();
-
-    void prepare(Mode mode);
-    void trim();
-    void mustBeAsLeft(quint32 frame) const;
-    Failure changed(const QString &name, quint32 frame, qint64 found, qint64 left) const;
-    Failure notWritten(quint32 frame, const QString &why) const;
-
     QString m_folder;
-    std::optional<FolderLock> m_lock;
     std::unique_ptr<Recording> m_previous;
-    std::unique_ptr<kelAbstractProcessDataFlowWriter> m_writer;
-    Sizes m_left = {}; ///< after the last frame
+    kelRecordingWriter m_writer;
 };
 
 #endif

@@ -31,16 +31,3 @@ TEST_F(LeftoversTest, TemporaryDocumentsAreRemovedAndNothingElse)
     EXPECT_TRUE(QFile::exists("dataflow.xml.lInKed"));
     EXPECT_EQ(QDir().entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot).size(), kept.size() + 2);
 }
-
-TEST_F(LeftoversTest, TheLastFrameIsTakenOutOfADocument)
-{
-    const QByteArray two = QByteArray(whole).replace(
-        "</DataFlow>", " <Frame frameNumber=\"1\">\n  <Data/>\n </Frame>\n</DataFlow>");
-    write("dataflow.xml", two);
-    EXPECT_TRUE(removeLastFrame("dataflow.xml"));
-    EXPECT_EQ(content("dataflow.xml"), whole);
-    EXPECT_TRUE(removeLastFrame("dataflow.xml"));
-    EXPECT_EQ(content("dataflow.xml"), "<DataFlow>\n</DataFlow>\n");
-    EXPECT_FALSE(removeLastFrame("dataflow.xml"));
-    EXPECT_FALSE(removeLastFrame("missing.xml"));
-}

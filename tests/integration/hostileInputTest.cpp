@@ -320,13 +320,12 @@ TEST_F(hostileInputTest, FilesThatVanishWhileTheyAreRecordedEndTheRun)
         start(process, KELRECORD, recording(folder, {"--quiet"}));
         while (process.state() == QProcess::Running && QFileInfo(folder + "/dataflow.dat").size() == 0)
             process.waitForFinished(1);
-        // The writer puts back a document that vanishes while it is in hand.
         for (; process.state() == QProcess::Running; process.waitForFinished(3))
             QFile::remove(folder + '/' + name);
         const Ended run = ended(process, 60);
         EXPECT_EQ(run.code, 1) << run;
         EXPECT_TRUE(run.oneLine()) << run;
-        EXPECT_TRUE(run.errors.contains(name + " in ")) << run;
+        EXPECT_TRUE(run.errors.contains(name + ": ")) << run;
         EXPECT_TRUE(run.errors.contains("leave the files alone while they are recorded")) << run;
     }
 }

@@ -246,7 +246,7 @@ TEST_F(recordingRunsTest, TwoRunsDoNotWriteIntoOneFolder)
         first.waitForFinished(1);
     const Ended second = kelrecord(recording("run", {"--append"}));
     EXPECT_EQ(second.code, 1) << second;
-    EXPECT_TRUE(second.errors.contains("another kelrecord is writing")) << second;
+    EXPECT_TRUE(second.errors.contains("another recorder is writing")) << second;
     first.kill();
     first.waitForFinished();
 }

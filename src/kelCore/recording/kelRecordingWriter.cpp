@@ -29,6 +29,7 @@ namespace {
 
 const std::string documentName = "dataflow.xml";
 const std::string recordsName = "dataflow.dat";
+const QString leaveAlone = QStringLiteral("leave the files alone while they are recorded");
 constexpr int rowsAtOnce = 64; ///< of the index: it costs a write for so many frames
 
 QString text(const std::string &name) { return QString::fromStdString(name); }
@@ -36,9 +37,7 @@ QString text(const std::string &name) { return QString::fromStdString(name); }
 /// What the system said about a file that was being written.
 kelResult cannot(const QString &what, const QString &where)
 {
-    const bool full = errno == ENOSPC || errno == EDQUOT;
-    return kelResult::failure(QStringLiteral("%1: %2").arg(what, systemError()), where,
-                              full ? QStringLiteral("make room; the frames before are complete") : QString());
+    return kelResult::failure(QStringLiteral("%1: %2").arg(what, systemError()), where);
 }
 
 } // namespace
@@ -106,12 +105,13 @@ kelResult kelRecordingWriter::Private::take(const QString &where)
         return kelResult::failure(QStringLiteral("the folder cannot be made: %1").arg(systemError()), place);
     folder.reset(::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder)
-        return kelResult::failure(QStringLiteral("is no folder that can be opened: %1").arg(systemError()),
-                                  place);
+        return kelResult::failure(QStringLiteral("the folder cannot be opened: %1").arg(systemError()), place,
+                                  QStringLiteral("check that you may read and write it"));
     // On the folder itself: nothing is left behind when the process is killed.
     if (::flock(folder.get(), LOCK_EX | LOCK_NB) != 0)
         return errno == EWOULDBLOCK
-            ? kelResult::failure(QStringLiteral("another recorder is writing there"), place)
+            ? kelResult::failure(QStringLiteral("another recorder is writing there"), place,
+                                 QStringLiteral("choose another folder"))
             : kelResult::failure(QStringLiteral("cannot be locked: %1").arg(systemError()), place);
     return kelResult();
 }
@@ -229,7 +229,7 @@ kelResult kelRecordingWriter::Private::checkRecords(bool byName) const
         return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(recordsName));
     if (!same || named.st_dev != status.st_dev || named.st_ino != status.st_ino)
         return kelResult::failure(QStringLiteral("was changed by another program while it was recorded"),
-                                  path(recordsName));
+                                  path(recordsName), leaveAlone);
     return kelResult();
 }
 
@@ -247,15 +247,16 @@ kelResult kelRecordingWriter::Private::catchUp()
     if (const kelResult opened = run.open(folder.get(), documentName); !opened)
         return kelResult::failure(opened.what(), QDir(place).filePath(opened.where()), opened.advice());
     if (!run.documentExists())
-        return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(documentName));
+        return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(documentName),
+                                  leaveAlone);
     if (run.form() == RunIndex::Form::Torn)
         return kelResult::failure(QStringLiteral("was changed while it was recorded, and cannot be parsed"),
-                                  path(documentName));
+                                  path(documentName), leaveAlone);
     if (run.recordsFound() != run.objects() || run.recordsEnd() != run.recordsSize())
         return kelResult::failure(
             QStringLiteral("was changed while it was recorded, and does not agree with %1")
                 .arg(text(recordsName)),
-            path(documentName));
+            path(documentName), leaveAlone);
     adopt(run);
     return kelResult();
 }
