@@ -332,6 +332,8 @@ TEST_F(hostileInputTest, FilesThatVanishWhileTheyAreRecordedEndTheRun)
 
 TEST_F(hostileInputTest, RecordsThatCannotBeWrittenEndTheRunBeforeTheDocumentNamesThem)
 {
+    if (!inChild([] { return becomeNobody() && access(KELRECORD, X_OK) == 0; }))
+        GTEST_SKIP() << "the build folder is not open to a user without rights";
     ASSERT_EQ(kelrecord(recording("whole")).code, 0);
     ASSERT_EQ(kelrecord(recording("run", {"--max-frames", "23"})).code, 0);
     ASSERT_TRUE(inChild([&] {
