@@ -25,12 +25,10 @@ const char *const notes = R"(Examples:
       shows who is in view, where each has come from and since when.
 
 The recording is two files in DIR: dataflow.xml, the document, and dataflow.dat, one
-record per blob; kelreplay reads them. A run that is ended or killed at any moment leaves
-all frames before it: the files are handed to the system after every frame, though not
-forced to the disk, so that a power cut may lose the last ones. Each frame parses and
-rewrites the whole document, so its cost grows with the frames already recorded: from
-about 1,000 frames on that is felt, at some 50 ms a frame (docs/performance.md has
-figures).
+record per blob; kelreplay reads them. dataflow.idx is an index that can be deleted.
+A frame costs the same however long the run is. A run that is ended or killed at any
+moment leaves all frames before it: the files are handed to the system after every
+frame, though not forced to the disk, so that a power cut may lose the last ones.
 
 Ctrl-C ends a run after the frame in hand; a second one ends it at once.
 

@@ -3,6 +3,7 @@
 
 #include <kelCore/data/kelDataBlob.h>
 #include <kelCore/process/kelAbstractProcessDataFlowReader.h>
+#include <kelCore/recording/kelRecordingWriter.h>
 
 #include "integration/programs.h"
 #include "support/Capture.h"
@@ -238,15 +239,12 @@ TEST_F(recordingRunsTest, ProgressIsALineAtATimeWithoutATerminal)
 
 TEST_F(recordingRunsTest, TwoRunsDoNotWriteIntoOneFolder)
 {
-    makeVideo("video.avi", 400);
-    QProcess first;
-    first.setStandardInputFile(QProcess::nullDevice());
-    first.start(KELRECORD, recording("run"));
-    while (first.state() != QProcess::NotRunning && !QFileInfo::exists("run/dataflow.xml"))
-        first.waitForFinished(1);
+    kelRecordingWriter first;
+    ASSERT_TRUE(first.open("run"));
     const Ended second = kelrecord(recording("run", {"--append"}));
     EXPECT_EQ(second.code, 1) << second;
+    EXPECT_TRUE(second.oneLine()) << second;
     EXPECT_TRUE(second.errors.contains("another recorder is writing")) << second;
-    first.kill();
-    first.waitForFinished();
+    ASSERT_TRUE(first.close());
+    EXPECT_EQ(kelrecord(recording("run", {"--append"})).code, 0);
 }

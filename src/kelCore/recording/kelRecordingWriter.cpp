@@ -226,7 +226,8 @@ kelResult kelRecordingWriter::Private::checkRecords(bool byName) const
     if (byName && ::fstatat(folder.get(), recordsName.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0)
         named.st_nlink = 0;
     if (!there || named.st_nlink == 0)
-        return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(recordsName));
+        return kelResult::failure(QStringLiteral("has vanished while it was recorded"), path(recordsName),
+                                  leaveAlone);
     if (!same || named.st_dev != status.st_dev || named.st_ino != status.st_ino)
         return kelResult::failure(QStringLiteral("was changed by another program while it was recorded"),
                                   path(recordsName), leaveAlone);
