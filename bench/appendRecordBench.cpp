@@ -1,5 +1,6 @@
 /// \file
-/// One record appended to the binary file, beside opening, writing and closing a file with the same bytes.
+/// One record appended to the binary file, beside the same system calls with the same bytes: opening a file,
+/// locking it, writing and closing it.
 
 #include "BenchFolder.h"
 #include "Comparison.h"
@@ -9,6 +10,7 @@
 #include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace {
@@ -18,6 +20,7 @@ constexpr int appends = 100;
 bool plainAppend(const char *path, const QByteArray &bytes)
 {
     const int file = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    ::flock(file, LOCK_SH);
     const bool written = ::write(file, bytes.constData(), static_cast<size_t>(bytes.size())) == bytes.size();
     return ::close(file) == 0 && written;
 }

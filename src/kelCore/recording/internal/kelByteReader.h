@@ -45,6 +45,17 @@ public:
         m_at += sizeof(Integer);
         return true;
     }
+    /// Four numbers at once, as the corners of a box.
+    bool numbers(qint32 (&values)[4])
+    {
+        if (!need(sizeof values))
+            return false;
+        for (qint32 &value : values) {
+            value = m_bigEndian ? qFromBigEndian<qint32>(m_at) : qFromLittleEndian<qint32>(m_at);
+            m_at += sizeof value;
+        }
+        return true;
+    }
     /// The number that comes next, which is not taken; false when it cannot be seen.
     bool peek(quint32 &value) const;
     /// A number with decimals: 64 bits, or 32 from a stream of single precision.

@@ -81,10 +81,10 @@ void put(kelByteWriter &out, const QSizeF &value) { putAll(out, value.width(), v
 
 bool takeOne(kelByteReader &in, QRect &value)
 {
-    int left, top, right, bottom;
-    if (!take(in, left, top, right, bottom))
+    qint32 corners[4];
+    if (!in.numbers(corners))
         return false;
-    value.setCoords(left, top, right, bottom);
+    value.setCoords(corners[0], corners[1], corners[2], corners[3]);
     return true;
 }
 void put(kelByteWriter &out, const QRect &value)
