@@ -6,8 +6,8 @@
 
 #include <kelCore/data/CSynchronizer.h>
 #include <kelCore/kelCoreExport.h>
-#include <kelCore/recording/kelDataFlowRecord.h>
 #include <kelCore/kelResult.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDateTime>
 #include <QString>

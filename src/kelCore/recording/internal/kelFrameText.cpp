@@ -1,8 +1,8 @@
 #include <kelCore/recording/internal/kelFrameText.h>
 
 #include <kelCore/data/CSynchronizer.h>
-#include <kelCore/recording/kelDataFlowRecord.h>
 #include <kelCore/recording/internal/kelAttributeOrder.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QRect>
 

@@ -1,7 +1,7 @@
 #include <kelCore/recording/internal/kelRunIndex.h>
 
-#include <kelCore/recording/kelDataFlowRecord.h>
 #include <kelCore/recording/internal/kelChecksum.h>
+#include <kelCore/recording/kelDataFlowRecord.h>
 
 #include <QDateTime>
 #include <QDir>

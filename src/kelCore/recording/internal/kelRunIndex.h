@@ -4,8 +4,8 @@
 /// \file
 /// Where the frames of a recording on disk are. Internal.
 
-#include <kelCore/recording/internal/kelRecordingIndex.h>
 #include <kelCore/kelResult.h>
+#include <kelCore/recording/internal/kelRecordingIndex.h>
 
 #include <string>
 

@@ -4,8 +4,8 @@
 /// \file
 /// A document that grows by a frame in constant time, and is whole at every instant. Internal.
 
-#include <kelCore/recording/internal/kelFileDescriptor.h>
 #include <kelCore/kelResult.h>
+#include <kelCore/recording/internal/kelFileDescriptor.h>
 
 #include <QByteArray>
 #include <QString>
