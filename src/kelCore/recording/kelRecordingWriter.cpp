@@ -142,7 +142,7 @@ kelResult kelRecordingWriter::Private::prepare()
 
     records.reset(
         ::openat(folder.get(), recordsName.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
-    struct stat status;
+    struct stat status = {};
     if (!records || ::fstat(records.get(), &status) != 0)
         return cannot(QStringLiteral("cannot be written"), path(recordsName));
     if (!S_ISREG(status.st_mode))
@@ -219,7 +219,7 @@ kelResult kelRecordingWriter::Private::look()
 /// The records are the file that was opened, as it was left.
 kelResult kelRecordingWriter::Private::checkRecords(bool byName) const
 {
-    struct stat status;
+    struct stat status = {};
     const bool there = ::fstat(records.get(), &status) == 0 && status.st_nlink > 0;
     const bool same = status.st_size == recordsSize;
     struct stat named = status;

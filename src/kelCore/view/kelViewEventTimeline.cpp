@@ -28,7 +28,7 @@ constexpr QPoint timeHeading(400, 20);
 const struct
 {
     QLatin1String alarmLevel;
-    Qt::GlobalColor color;
+    Qt::GlobalColor color = Qt::black;
 } barColors[] = {
     {QLatin1String("NOTURGENT"), Qt::cyan},
     {QLatin1String("URGENT"), Qt::green},

@@ -132,7 +132,7 @@ bool kelByteReader::text(QString &value)
         const QChar *old = value.constData();
         int difference = 0;
         for (int i = 0; i < length; ++i)
-            difference |= old[i].unicode() ^ qFromBigEndian<quint16>(characters + 2 * i);
+            difference |= old[i].unicode() ^ qFromBigEndian<quint16>(characters + 2 * qint64(i));
         if (difference == 0)
             return true;
     }

@@ -70,7 +70,7 @@ bool finishAppending(int file, const QByteArray &bytes, qint64 done)
     const bool canBeCut = end >= done;
     if (canBeCut) {
         lock(file, LOCK_EX);
-        struct stat status;
+        struct stat status = {};
         if (::fstat(file, &status) != 0 || status.st_size != end)
             return false; // somebody's bytes stand behind ours
     }
@@ -89,7 +89,7 @@ bool isOneRegularFile(const struct stat &status) { return S_ISREG(status.st_mode
 bool writeInto(const QByteArray &path, const QByteArray &content)
 {
     Descriptor file(path.constData(), O_WRONLY);
-    struct stat status;
+    struct stat status = {};
     if (file < 0 || ::fstat(file, &status) != 0)
         return false;
     const off_t size = static_cast<off_t>(content.size());
@@ -110,7 +110,7 @@ bool writeInto(const QByteArray &path, const QByteArray &content)
 bool kelDataFlow::replaceFile(const QString &path, const QByteArray &content)
 {
     const QByteArray name = QFile::encodeName(path);
-    struct stat status;
+    struct stat status = {};
     if (::stat(name.constData(), &status) == 0 && !isOneRegularFile(status))
         return writeInto(name, content);
     QSaveFile file(path);

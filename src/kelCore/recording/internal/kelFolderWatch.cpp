@@ -49,7 +49,7 @@ kelDataFlow::FolderWatch::Seen kelDataFlow::FolderWatch::take()
         if (size <= 0)
             return size < 0 && errno == EAGAIN ? seen : Seen();
         for (ssize_t at = 0; at < size;) {
-            inotify_event event;
+            inotify_event event = {};
             std::memcpy(&event, buffer + at, sizeof event);
             const char *const name = event.len > 0 ? buffer + at + sizeof event : "";
             if (event.wd == m_recordsWatch) {

@@ -61,7 +61,7 @@ kelResult kelDataFlow::RunIndex::openFile(int folder, const std::string &name, F
     // Not blocking: a pipe of that name would wait for whoever writes to it.
     file.reset(::openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     const QString where = QString::fromStdString(name);
-    struct stat status;
+    struct stat status = {};
     if (!file && errno == ENOENT)
         return kelResult();
     if (!file || ::fstat(file.get(), &status) != 0)

@@ -85,7 +85,7 @@ bool kelDataFlow::FileState::operator==(const FileState &other) const
 
 bool kelDataFlow::stateOf(int folder, const std::string &name, FileState &state)
 {
-    struct stat status;
+    struct stat status = {};
     if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     state = FileState(status);
@@ -160,7 +160,7 @@ kelResult kelDataFlow::TwoInodeDocument::grow(const QByteArray &frame, Sync sync
     m_shadowBody = shadowBody;
     m_behind.resize(0);
     m_behind += frame;
-    struct stat status;
+    struct stat status = {};
     if (::fstat(m_document.get(), &status) == 0)
         m_state = FileState(status);
     return kelResult();
@@ -173,7 +173,7 @@ kelResult kelDataFlow::TwoInodeDocument::makeShadow()
     ::unlinkat(m_folder, name.c_str(), 0);
     m_document.reset(::openat(m_folder, m_name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
     m_shadow.reset(::openat(m_folder, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    struct stat status;
+    struct stat status = {};
     if (!m_document || !m_shadow || ::fstat(m_document.get(), &status) != 0)
         return failed(QStringLiteral("the document cannot be opened for writing: %1"));
     copyAttributes(m_document.get(), m_shadow.get(), status);

@@ -186,7 +186,7 @@ private:
     bool walkSignature()
     {
         static constexpr std::array<quint8, 8> expected{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
-        std::array<quint8, 8> bytes;
+        std::array<quint8, 8> bytes{};
         return take(bytes) && (bytes == expected || corrupt());
     }
 
@@ -195,7 +195,7 @@ private:
         qint64 pixelBytes = 0;
         qint64 recordedBytes = 0;
         for (bool first = true;; first = false) {
-            std::array<quint8, 8> head; // size and name
+            std::array<quint8, 8> head{}; // size and name
             if (!take(head))
                 return false;
             const quint32 size = qFromBigEndian<quint32>(head.data());
@@ -214,7 +214,7 @@ private:
 
     bool walkPictureHeader(quint32 size, qint64 &pixelBytes)
     {
-        std::array<quint8, 13> header; // width, height, bits of a channel, and four more
+        std::array<quint8, 13> header{}; // width, height, bits of a channel, and four more
         if (size != header.size())
             return corrupt();
         if (!take(header))

@@ -13,8 +13,8 @@ namespace {
 /// A finite number other than 0 to six significant digits: `digits` (100000 to 999999) x 10^(exponent - 5).
 struct SixDigits
 {
-    int digits;
-    int exponent;
+    int digits = 0;
+    int exponent = 0;
 };
 
 /// Rounds to nearest, ties away from zero, exactly; false outside 1e-16..1e26, roughly.

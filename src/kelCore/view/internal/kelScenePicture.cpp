@@ -35,7 +35,7 @@ uchar toByte(float value)
 {
     if (!(value > 0)) // not-a-number too
         return 0;
-    return value < 1 ? static_cast<uchar>(value * 255 + 0.5f) : 255;
+    return value < 1 ? static_cast<uchar>(std::lround(value * 255)) : 255;
 }
 
 /// The frame in 8 bits; one of a depth that has no scale of its own is left to the colour conversion to refuse.
