@@ -15,8 +15,6 @@
 
 namespace kelDataFlow {
 
-class RunIndex;
-
 /// What is written of a frame.
 struct EncodedFrame
 {
@@ -39,6 +37,9 @@ private:
 /// Makes the folder where it is missing, and locks it for as long as `folder` is open.
 kelResult lockFolder(const QString &path, FileDescriptor &folder);
 
+/// Removes the recording of the folder itself.
+kelResult removeRecording(const QString &path, int folder);
+
 /// What the system said about a file that was being written.
 kelResult cannot(const QString &what, const QString &where);
 
@@ -58,27 +59,27 @@ public:
     /// Bytes of the files, the index among them.
     qint64 bytes() const;
     /// Bytes of the document, and of the hidden file beside it.
-    qint64 documentBytes() const { return m_documentBytes; }
-    /// Times of the first frame that has one, and of the last.
+    qint64 documentBytes() const;
+    /// Times of the first frame and of the last that have one; `FrameOutline::noTime` where none has.
     qint64 firstTime() const { return m_firstTime; }
     qint64 lastTime() const { return m_lastTime; }
 
 private:
     kelResult prepare(kelRecordingOptions::Mode mode);
+    kelResult checkPlain();
     kelResult goOn();
     kelResult checkRecords() const;
     bool isAsLeft() const;
     kelResult catchUp();
     kelResult addRecords(const EncodedFrame &frame);
     void takeBackRecords();
-    kelResult addText(const EncodedFrame &frame);
+    kelResult addText(const EncodedFrame &frame, bool sync);
     kelResult begin(const EncodedFrame &frame);
     kelResult rewrite(const EncodedFrame &frame);
     void addRow(const EncodedFrame &frame);
     void flushIndex();
     bool wantsSync() const;
     kelResult syncFolder() const;
-    void noteTimes(const RunIndex &run);
     QString pathOf(const std::string &name) const;
     int documentFolder() const { return m_linked ? m_linked.get() : m_folder.get(); }
 
@@ -92,7 +93,6 @@ private:
     FileDescriptor m_index;
     FileState m_recordsState; ///< of the file that was opened; its size is not looked at
     qint64 m_recordsSize = 0;
-    qint64 m_documentBytes = 0;
     qint64 m_objects = 0; ///< records, and data elements
     qint64 m_frames = 0;
     qint64 m_firstTime = FrameOutline::noTime;

@@ -83,6 +83,14 @@ bool kelDataFlow::holdsRecording(int folder)
     return false;
 }
 
+bool kelDataFlow::isCompressed(int folder)
+{
+    for (const std::string &name : {documentName, recordsName})
+        if (!exists(folder, name) && exists(folder, name + compressedEnding))
+            return true;
+    return false;
+}
+
 std::vector<qint64> kelDataFlow::segmentsIn(int folder)
 {
     std::vector<qint64> numbers;

@@ -27,6 +27,9 @@ std::vector<qint64> segmentsIn(int folder);
 /// Whether the folder itself holds a recording, or a part of one.
 bool holdsRecording(int folder);
 
+/// Whether a part of it is there in compressed form alone.
+bool isCompressed(int folder);
+
 FileDescriptor openFolder(const QString &path);
 FileDescriptor openFolder(int parent, const std::string &name);
 

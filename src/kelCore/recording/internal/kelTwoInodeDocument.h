@@ -33,6 +33,13 @@ struct FileState
     bool operator!=(const FileState &other) const { return !(*this == other); }
 };
 
+/// Names of the files that stand beside a document while it grows.
+inline std::string shadowOf(const std::string &document) { return "." + document + ".shadow"; }
+inline std::string asideOf(const std::string &document)
+{
+    return "." + document + ".aside";
+} ///< for an instant
+
 /// The document of a recording while a writer adds frames to it.
 ///
 /// Overwriting a document's last line in place would tear it: a process may be killed between two pages of one
@@ -82,8 +89,8 @@ private:
     bool shadowIsFree() const;
     void dropShadow();
     bool exchange() const;
-    std::string shadowName() const { return "." + m_name + ".shadow"; }
-    std::string asideName() const { return "." + m_name + ".aside"; } ///< of the document, for an instant
+    std::string shadowName() const { return shadowOf(m_name); }
+    std::string asideName() const { return asideOf(m_name); }
     kelResult failed(const QString &what);
 
     int m_folder = -1;
@@ -99,6 +106,9 @@ private:
 
 /// The document in `folder`. False where it does not exist, or is no regular file with one name.
 bool stateOf(int folder, const std::string &name, FileState &state);
+
+/// Gives `to` what `from`, whose status it is, has beside its bytes. What the process may not give is left out.
+void copyAttributes(int from, int to, const struct stat &status);
 
 } // namespace kelDataFlow
 
