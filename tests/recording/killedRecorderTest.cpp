@@ -160,7 +160,8 @@ const SegmentedCase segmentedCases[] = {
      }},
 };
 
-class KilledSegmentsTest : public TemporaryFolder, public testing::WithParamInterface<SegmentedCase>
+class KilledSegmentsTest : public TemporaryFolder,
+                           public testing::WithParamInterface<std::tuple<SegmentedCase, int>>
 {
 protected:
     static constexpr int length = 30;
@@ -172,7 +173,7 @@ protected:
         kelRecordingOptions options;
         options.mode = kelRecordingOptions::Mode::Append;
         options.segmentFrames = 7;
-        GetParam().set(options);
+        std::get<0>(GetParam()).set(options);
         kelRecordingWriter writer;
         kelResult result = writer.open(folder, options);
         for (auto i = static_cast<size_t>(begin); result && i < static_cast<size_t>(end); ++i) {
@@ -209,8 +210,8 @@ TEST_P(KilledSegmentsTest, LeaveARunThatReadsAfterEverySystemCall)
     const auto whole = all(QStringLiteral("whole"));
     const bool keepsAll = whole.contains(QStringLiteral("000001/dataflow.idx"));
     const SharedCount saved;
-    int calls = 1;
-    for (;; ++calls) {
+    int calls = 1 + std::get<1>(GetParam());
+    for (;; calls += shards) {
         *saved = 0;
         if (!killAfter(calls,
                        [&saved] { static_cast<void>(record(QStringLiteral("run"), 0, length, &*saved)); }))
@@ -240,8 +241,11 @@ TEST_P(KilledSegmentsTest, LeaveARunThatReadsAfterEverySystemCall)
     EXPECT_GT(calls, 5 * length);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, KilledSegmentsTest, testing::ValuesIn(segmentedCases),
-                         [](const auto &one) { return std::string(one.param.name); });
+INSTANTIATE_TEST_SUITE_P(Cases, KilledSegmentsTest,
+                         testing::Combine(testing::ValuesIn(segmentedCases), testing::Range(0, shards)),
+                         [](const auto &one) {
+                             return std::get<0>(one.param).name + std::to_string(std::get<1>(one.param));
+                         });
 
 INSTANTIATE_TEST_SUITE_P(Shards, KilledRecorderTest, testing::Range(0, shards));
 

@@ -243,8 +243,8 @@ kelResult kelRecording::Private::verify(size_t part, const std::function<void(qi
     const RunIndex &run = *opened;
     if (run.indexIsDamaged())
         return damagedIndex(where);
-    if (!run.headIsWhole())
-        return kelResult::failure(QStringLiteral("does not begin as a recording does"), where);
+    if (!run.endsAreWhole())
+        return kelResult::failure(QStringLiteral("does not begin and end as a recording does"), where);
     QByteArray made;
     IndexRow before;
     for (qint64 i = 0; i < run.count(); ++i) {

@@ -30,6 +30,9 @@ public:
     QByteArray bytes(qint64 offset, qint64 size) const;
     static constexpr qint64 most = qint64(1) << 30;
 
+    /// A look at any byte costs a whole block.
+    virtual bool isCompressed() const { return false; }
+
     /// What went wrong first while bytes were read; empty when nothing did.
     const QString &problem() const { return m_problem; }
 

@@ -113,11 +113,12 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
     const IndexRow last = *rowAt(fits - 1);
     const bool complete = last.documentEnd() + qint64(documentTail.size()) == m_documentSize
         && last.recordsEnd() == m_recordsSize;
-    const QByteArray text = documentBytes(last.frame.offset, last.frame.length);
-    if (!complete
-        && (text.size() != last.frame.length
-            || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum))
-        return; // of another document
+    if (!complete) {
+        const QByteArray text = documentBytes(last.frame.offset, last.frame.length);
+        if (text.size() != last.frame.length
+            || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum)
+            return; // of another document
+    }
     m_rows = std::move(file);
     m_rowsOnDisk = m_count = fits;
     m_documentEnd = last.documentEnd();
@@ -127,6 +128,11 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
 
 kelResult kelDataFlow::RunIndex::walk()
 {
+    // An index that fits to the byte says enough: the last line of each compressed segment would cost more
+    // than all else when a run is opened.
+    if (m_document->isCompressed() && m_count > 0
+        && m_documentEnd + qint64(documentTail.size()) == m_documentSize)
+        return kelResult();
     FrameWalker walker(m_documentEnd);
     kelResult result;
     const auto found = [this, &result](const FrameOutline &frame) {
@@ -297,12 +303,16 @@ kelDataFlow::IndexRow kelDataFlow::RunIndex::row(qint64 i) const
     return readIndexRow(m_block.constData() + at).value_or(IndexRow());
 }
 
-bool kelDataFlow::RunIndex::headIsWhole() const
+bool kelDataFlow::RunIndex::endsAreWhole() const
 {
-    const std::string_view head = m_count > 0 ? documentHead : emptyDocument;
-    return m_form == Form::Foreign || !m_document
-        || documentBytes(0, static_cast<qint64>(head.size()))
-        == QByteArray::fromRawData(head.data(), static_cast<int>(head.size()));
+    if (m_form == Form::Foreign || !m_document)
+        return true;
+    const auto holds = [this](qint64 offset, std::string_view text) {
+        return documentBytes(offset, static_cast<qint64>(text.size()))
+            == QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
+    };
+    return m_count > 0 ? holds(0, documentHead) && holds(m_documentEnd, documentTail)
+                       : holds(0, emptyDocument);
 }
 
 QByteArray kelDataFlow::RunIndex::documentBytes(qint64 offset, qint64 size) const

@@ -54,8 +54,8 @@ public:
     qint64 rowsOnDisk() const { return m_rowsOnDisk; }
     /// The index file is there, and is none.
     bool indexIsDamaged() const { return m_indexDamaged; }
-    /// What an index takes for granted: how the document begins.
-    bool headIsWhole() const;
+    /// What an index takes for granted: how the document begins, and how a compressed one ends.
+    bool endsAreWhole() const;
 
     bool documentExists() const { return bool(m_document); }
     /// What went wrong while bytes of the document or the records were read; empty when nothing did.

@@ -30,6 +30,7 @@ class CompressedFile : public ByteSource
 public:
     static kelResult open(FileDescriptor file, qint64 fileSize, std::unique_ptr<ByteSource> &source);
     ~CompressedFile() override;
+    bool isCompressed() const override { return true; }
 
 private:
     struct Frame
