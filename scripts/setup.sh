@@ -10,7 +10,7 @@
 source "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/common.sh"
 
 build_packages=(g++ cmake ninja-build ccache pkg-config
-                qtbase5-dev libopencv-dev libgtest-dev libgmock-dev libbenchmark-dev)
+                qtbase5-dev libopencv-dev libzstd-dev libgtest-dev libgmock-dev libbenchmark-dev)
 # Qt's window-system plug-ins and OpenCV's video decoders come with the packages above.
 run_packages=(fonts-dejavu-core)
 qt6_packages=(qt6-base-dev libgl-dev)

@@ -1,6 +1,7 @@
 /// \file
 /// A recorder that is killed after each of its system calls.
 
+#include <kelCore/recording/kelRecording.h>
 #include <kelCore/recording/kelRecordingWriter.h>
 
 #include "recording/RunScripts.h"
@@ -140,6 +141,111 @@ TEST_P(KilledRecorderTest, LeavesAWholeRecordingAfterEverySystemCall)
     // The run makes several calls for each frame.
     EXPECT_GT(calls, 5 * frameCount);
 }
+
+/// How a run in segments is recorded when it is killed.
+struct SegmentedCase
+{
+    const char *name;
+    void (*set)(kelRecordingOptions &options);
+};
+
+const SegmentedCase segmentedCases[] = {
+    {"Plain", [](kelRecordingOptions &) {}},
+    {"Compressed", [](kelRecordingOptions &options) { options.compress = true; }},
+    {"KeepingSome", [](kelRecordingOptions &options) { options.keepTime = 10 * 40; }},
+    {"KeepingSomeCompressed",
+     [](kelRecordingOptions &options) {
+         options.keepTime = 10 * 40;
+         options.compress = true;
+     }},
+};
+
+class KilledSegmentsTest : public TemporaryFolder,
+                           public testing::WithParamInterface<std::tuple<SegmentedCase, int>>
+{
+protected:
+    static constexpr int length = 30;
+    static constexpr int kept = 10;
+
+    /// Records the frames from `begin` on, in segments of 7.
+    static kelResult record(const QString &folder, int begin, int end, std::atomic<int> *saved = nullptr)
+    {
+        kelRecordingOptions options;
+        options.mode = kelRecordingOptions::Mode::Append;
+        options.segmentFrames = 7;
+        std::get<0>(GetParam()).set(options);
+        kelRecordingWriter writer;
+        kelResult result = writer.open(folder, options);
+        for (auto i = static_cast<size_t>(begin); result && i < static_cast<size_t>(end); ++i) {
+            result = writer.write(frames()[i].stamp, frames()[i].objects);
+            if (result && saved)
+                ++*saved;
+        }
+        const kelResult closed = writer.close();
+        return result ? closed : result;
+    }
+
+    /// Everything below the folder, hidden or not, with what is in it.
+    static QMap<QString, QByteArray> all(const QString &folder)
+    {
+        QMap<QString, QByteArray> found;
+        const QDir dir(folder);
+        for (const QFileInfo &entry :
+             dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)) {
+            if (!entry.isDir()) {
+                found.insert(entry.fileName(), content(entry.filePath()));
+                continue;
+            }
+            const auto below = all(entry.filePath());
+            for (auto it = below.cbegin(); it != below.cend(); ++it)
+                found.insert(entry.fileName() + QLatin1Char('/') + it.key(), it.value());
+        }
+        return found;
+    }
+};
+
+TEST_P(KilledSegmentsTest, LeaveARunThatReadsAfterEverySystemCall)
+{
+    ASSERT_TRUE(done(record(QStringLiteral("whole"), 0, length)));
+    const auto whole = all(QStringLiteral("whole"));
+    const bool keepsAll = whole.contains(QStringLiteral("000001/dataflow.idx"));
+    const SharedCount saved;
+    int calls = 1 + std::get<1>(GetParam());
+    for (;; calls += shards) {
+        *saved = 0;
+        if (!killAfter(calls,
+                       [&saved] { static_cast<void>(record(QStringLiteral("run"), 0, length, &*saved)); }))
+            break;
+        // What is there is read as one run that ends with the last frame, or the one after it.
+        int end = 0;
+        if (kelRecording::existsIn(QStringLiteral("run"))) {
+            kelRecording run;
+            ASSERT_TRUE(done(run.open(QStringLiteral("run")))) << calls;
+            ASSERT_TRUE(done(run.verify())) << calls;
+            const qint64 count = run.frameCount();
+            end = count > 0 ? static_cast<int>(run.frame(count - 1).number) + 1 : 0;
+            for (qint64 i = 0; i < count; ++i)
+                ASSERT_EQ(run.frame(i).number, quint32(end - count + i)) << calls;
+            ASSERT_GE(count, keepsAll ? end : std::min(end, kept)) << calls;
+        }
+        ASSERT_GE(end, *saved) << calls;
+        ASSERT_LE(end, *saved + 1) << calls;
+
+        // Whoever goes on leaves what a run that was not interrupted leaves.
+        ASSERT_TRUE(done(record(QStringLiteral("run"), end, length))) << calls;
+        const auto resumed = all(QStringLiteral("run"));
+        ASSERT_EQ(resumed.keys(), whole.keys()) << calls << resumed.keys().join(' ').toStdString();
+        ASSERT_EQ(resumed, whole) << calls;
+        QDir(QStringLiteral("run")).removeRecursively();
+    }
+    EXPECT_GT(calls, 5 * length);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, KilledSegmentsTest,
+                         testing::Combine(testing::ValuesIn(segmentedCases), testing::Range(0, shards)),
+                         [](const auto &one) {
+                             return std::get<0>(one.param).name + std::to_string(std::get<1>(one.param));
+                         });
 
 INSTANTIATE_TEST_SUITE_P(Shards, KilledRecorderTest, testing::Range(0, shards));
 

@@ -37,9 +37,17 @@ struct KELCORE_EXPORT kelRecordedFrame
 ///         for (const kelDataFlowRecord &record : run.records(run.frame(i)))
 ///             show(record);
 ///
-/// With an index that fits, opening and reading a frame cost the same at any length; without one, opening costs
-/// one pass over the files. Memory does not grow with the run. What is damaged is read as far as it goes, and
-/// `state` says what is wrong.
+/// A run that was recorded in segments is read as one: frames, objects and sizes are those of the whole, in
+/// the order of the segments. Each segment can also be opened by itself. Segments may be compressed.
+///
+/// With an index that fits, opening and reading a frame cost the same at any length, and a segment costs some
+/// 20 microseconds when a run is opened; without one, opening costs one pass over the files, and a look into a
+/// segment that was not in use lately a pass over that segment. A frame of a compressed segment costs the
+/// megabyte that it is in. Memory does not grow with the length of the files, and no more than a few segments
+/// are open at once. What is damaged is read as far as it goes, and `state` says what is wrong.
+///
+/// A recorder that makes room removes segments. Frames of a segment that has gone since the run was opened
+/// come back without number, time and objects, and `verify` says so.
 ///
 /// A recording is used from one thread at a time.
 class KELCORE_EXPORT kelRecording
@@ -54,15 +62,18 @@ public:
     static QString documentName() { return QStringLiteral("dataflow.xml"); }
     static QString recordsName() { return QStringLiteral("dataflow.dat"); }
     static QString indexName() { return QStringLiteral("dataflow.idx"); }
-    /// True when `folder` holds a recording, or a part of one.
+    /// True when `folder` holds a recording, in segments or not, or a part of one.
     static bool existsIn(const QString &folder);
 
     /// Opens the recording in `place`: its folder, or the path of its document, whose records are beside it.
+    /// Where the folder holds both a document and segments, it is the document that is read.
     kelResult open(const QString &place);
 
     qint64 frameCount() const;
     /// Objects of all frames, as the document counts them.
     qint64 objectCount() const;
+    /// 0 for a run that is not recorded in segments.
+    int segmentCount() const;
 
     /// \param index from 0 on, less than `frameCount`.
     kelRecordedFrame frame(qint64 index) const;
@@ -75,7 +86,7 @@ public:
     /// to grow.
     qint64 frameAt(const QDateTime &time) const;
 
-    /// Sizes of the files, in bytes.
+    /// Sizes of the files, in bytes; of compressed ones those of what they were made of.
     qint64 documentSize() const;
     qint64 recordsSize() const;
     /// Bytes of the records behind those of the last frame: what a process that was killed left.

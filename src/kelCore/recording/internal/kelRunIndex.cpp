@@ -6,19 +6,19 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QIODevice>
 #include <QXmlStreamReader>
 
 #include <algorithm>
 
-#include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr qint64 chunk = 1 << 20; ///< bytes read at once
+constexpr qint64 longestRecord = 1 << 28; ///< bytes; what claims to be longer is damaged
 
 quint32 numberOf(const QXmlStreamAttributes &attributes, const char *name)
 {
@@ -36,51 +36,44 @@ qint64 timeOf(const QXmlStreamAttributes &attributes)
                                             : kelDataFlow::FrameOutline::noTime;
 }
 
-} // namespace
-
-QByteArray kelDataFlow::bytesAt(int file, qint64 offset, qint64 size)
+/// A file's bytes, for a parser.
+class SourceDevice : public QIODevice
 {
-    QByteArray bytes(static_cast<int>(size), Qt::Uninitialized);
-    qint64 got = 0;
-    while (got < size) {
-        const ssize_t part = ::pread(file, bytes.data() + got, static_cast<size_t>(size - got), offset + got);
-        if (part < 0 && errno == EINTR)
-            continue;
-        if (part <= 0)
-            break;
-        got += part;
+public:
+    explicit SourceDevice(const kelDataFlow::ByteSource &source) : m_source(source)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
-    bytes.truncate(static_cast<int>(got));
-    return bytes;
-}
+    bool isSequential() const override { return true; }
+    bool atEnd() const override { return m_at >= m_source.size(); }
 
-kelResult kelDataFlow::RunIndex::openFile(int folder, const std::string &name, FileDescriptor &file,
-                                          qint64 &size) const
-{
-    size = 0;
-    // Not blocking: a pipe of that name would wait for whoever writes to it.
-    file.reset(::openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    const QString where = QString::fromStdString(name);
-    struct stat status = {};
-    if (!file && errno == ENOENT)
-        return kelResult();
-    if (!file || ::fstat(file.get(), &status) != 0)
-        return kelResult::failure(QStringLiteral("cannot be read: %1").arg(systemError()), where);
-    if (!S_ISREG(status.st_mode))
-        return kelResult::failure(QStringLiteral("is no regular file"), where);
-    size = status.st_size;
-    return kelResult();
-}
+private:
+    qint64 readData(char *data, qint64 size) override
+    {
+        const QByteArray bytes = m_source.bytes(m_at, size);
+        std::copy(bytes.cbegin(), bytes.cend(), data);
+        m_at += bytes.size();
+        return bytes.isEmpty() && size > 0 ? -1 : bytes.size();
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+    const kelDataFlow::ByteSource &m_source;
+    qint64 m_at = 0;
+};
+
+} // namespace
 
 kelResult kelDataFlow::RunIndex::open(int folder, const std::string &document)
 {
     *this = RunIndex();
     m_name = document;
     // The document first: records are written before it, so that those of its frames are there.
-    if (const kelResult opened = openFile(folder, document, m_document, m_documentSize); !opened)
+    if (const kelResult opened = openSource(folder, document, m_document); !opened)
         return opened;
-    if (const kelResult opened = openFile(folder, "dataflow.dat", m_records, m_recordsSize); !opened)
+    if (const kelResult opened = openSource(folder, "dataflow.dat", m_records); !opened)
         return opened;
+    m_documentSize = m_document ? m_document->size() : 0;
+    m_recordsSize = m_records ? m_records->size() : 0;
     if (!m_document)
         return kelResult();
     useIndexFile(folder);
@@ -91,7 +84,7 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
 {
     qint64 size = 0;
     FileDescriptor file;
-    if (!openFile(folder, indexName, file, size) || size == 0)
+    if (!openRegular(folder, indexName, file, size) || size == 0)
         return;
     m_indexDamaged = bytesAt(file.get(), 0, indexRowSize) != indexHeader();
     if (m_indexDamaged)
@@ -101,11 +94,17 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
         return bytes.size() == indexRowSize ? readIndexRow(bytes.constData()) : std::nullopt;
     };
     // A recorder may have gone on since the document was opened: the last row that lies within it.
+    const auto isWithin = [this, &rowAt](qint64 i) {
+        const auto row = rowAt(i);
+        return row && row->documentEnd() <= m_documentSize && row->recordsEnd() <= m_recordsSize;
+    };
     qint64 fits = 0;
-    for (qint64 end = size / indexRowSize - 1; fits < end;) {
+    qint64 end = size / indexRowSize - 1;
+    if (end > 0 && isWithin(end - 1)) // nobody is recording: most often so
+        fits = end;
+    while (fits < end) {
         const qint64 middle = fits + (end - fits) / 2;
-        const auto row = rowAt(middle);
-        const bool within = row && row->documentEnd() <= m_documentSize && row->recordsEnd() <= m_recordsSize;
+        const bool within = isWithin(middle);
         (within ? fits : end) = within ? middle + 1 : middle;
     }
     m_indexDamaged = fits + 1 < size / indexRowSize && !rowAt(fits);
@@ -114,11 +113,12 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
     const IndexRow last = *rowAt(fits - 1);
     const bool complete = last.documentEnd() + qint64(documentTail.size()) == m_documentSize
         && last.recordsEnd() == m_recordsSize;
-    const QByteArray text = documentBytes(last.frame.offset, last.frame.length);
-    if (!complete
-        && (text.size() != last.frame.length
-            || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum))
-        return; // of another document
+    if (!complete) {
+        const QByteArray text = documentBytes(last.frame.offset, last.frame.length);
+        if (text.size() != last.frame.length
+            || checksum(text.constData(), static_cast<size_t>(text.size())) != last.documentChecksum)
+            return; // of another document
+    }
     m_rows = std::move(file);
     m_rowsOnDisk = m_count = fits;
     m_documentEnd = last.documentEnd();
@@ -128,6 +128,11 @@ void kelDataFlow::RunIndex::useIndexFile(int folder)
 
 kelResult kelDataFlow::RunIndex::walk()
 {
+    // An index that fits to the byte says enough: the last line of each compressed segment would cost more
+    // than all else when a run is opened.
+    if (m_document->isCompressed() && m_count > 0
+        && m_documentEnd + qint64(documentTail.size()) == m_documentSize)
+        return kelResult();
     FrameWalker walker(m_documentEnd);
     kelResult result;
     const auto found = [this, &result](const FrameOutline &frame) {
@@ -150,16 +155,12 @@ kelResult kelDataFlow::RunIndex::walk()
     return walkForeign();
 }
 
-/// The document is not canonical: what an XML parser finds in it, or, where it finds no XML, what is canonical.
-kelResult kelDataFlow::RunIndex::walkForeign()
+/// Gives the frames that an XML parser finds. \param isXml false when the document cannot be parsed.
+kelResult kelDataFlow::RunIndex::parse(const std::function<void(const FrameOutline &)> &found,
+                                       bool &isXml) const
 {
-    QFile file;
-    if (!file.open(::dup(m_document.get()), QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)
-        || !file.seek(0))
-        return kelResult::failure(QStringLiteral("cannot be read: %1").arg(file.errorString()),
-                                  QString::fromStdString(m_name));
-    std::vector<FrameOutline> frames;
-    QXmlStreamReader xml(&file);
+    SourceDevice device(*m_document);
+    QXmlStreamReader xml(&device);
     const bool isRun = xml.readNextStartElement() && xml.name() == QLatin1String("DataFlow");
     const QString root = xml.name().toString();
     while (isRun && xml.readNextStartElement()) {
@@ -173,33 +174,51 @@ kelResult kelDataFlow::RunIndex::walkForeign()
                 ++frame.objects;
             xml.skipCurrentElement();
         }
-        frames.push_back(frame);
+        if (!xml.hasError())
+            found(frame);
     }
     while (!xml.atEnd())
         xml.readNext(); // what stands behind the root must be well-formed too
-    if (xml.hasError()) {
-        if (m_count > 0 || m_documentEnd > 0) {
-            m_form = Form::Torn;
-            return flush();
-        }
+    isXml = !xml.hasError();
+    const QString where = QString::fromStdString(m_name);
+    if (!isXml)
         return kelResult::failure(QStringLiteral("cannot be parsed: %1 in line %2, column %3")
                                       .arg(xml.errorString(), QString::number(xml.lineNumber()),
                                            QString::number(xml.columnNumber())),
-                                  QString::fromStdString(m_name));
+                                  where);
+    return isRun
+        ? kelResult()
+        : kelResult::failure(
+            QStringLiteral("is not a recording: its root is \"%1\", not \"DataFlow\"").arg(root), where);
+}
+
+/// The document is not canonical: what an XML parser finds in it, or, where it finds no XML, what is canonical.
+kelResult kelDataFlow::RunIndex::walkForeign()
+{
+    bool isXml = false;
+    const kelResult parsed = parse([](const FrameOutline &) {}, isXml);
+    if (!isXml && (m_count > 0 || m_documentEnd > 0)) {
+        m_form = Form::Torn;
+        return flush();
     }
-    if (!isRun)
-        return kelResult::failure(
-            QStringLiteral("is not a recording: its root is \"%1\", not \"DataFlow\"").arg(root),
-            QString::fromStdString(m_name));
+    if (!parsed)
+        return parsed;
     m_form = Form::Foreign;
     m_rows.reset();
     m_tail.reset();
     m_pending.clear();
     m_rowsOnDisk = m_flushed = m_count = m_objects = m_recordsFound = m_recordsEnd = 0;
     m_documentEnd = m_documentSize;
-    for (const FrameOutline &frame : frames)
-        if (const kelResult added = add(frame, false); !added)
-            return added;
+    // Once more, for a document of any length: its frames are not kept in memory.
+    kelResult result;
+    const kelResult again = parse(
+        [this, &result](const FrameOutline &frame) {
+            if (result)
+                result = add(frame, false);
+        },
+        isXml);
+    if (!again || !result)
+        return result ? again : result;
     return flush();
 }
 
@@ -218,12 +237,12 @@ kelResult kelDataFlow::RunIndex::add(const FrameOutline &frame, bool canonical)
         kelDataFlowRecord record;
         for (quint32 i = 0; i < frame.objects; ++i) {
             qint64 used = 0;
-            for (qint64 wanted = chunk; used == 0; wanted *= 4) {
+            for (qint64 wanted = chunk;; wanted *= 4) {
                 const qint64 at = m_recordsEnd - m_windowOffset;
                 if (at >= 0 && at < m_window.size())
                     used = record.decode(m_window.constData() + at, m_window.size() - at);
                 const bool wasLast = m_windowOffset + m_window.size() >= m_recordsSize && at == 0;
-                if (used > 0 || wasLast || m_recordsEnd >= m_recordsSize)
+                if (used > 0 || wasLast || m_recordsEnd >= m_recordsSize || wanted > longestRecord)
                     break;
                 m_windowOffset = m_recordsEnd;
                 m_window = recordBytes(m_recordsEnd, std::min(wanted, m_recordsSize - m_recordsEnd));
@@ -244,13 +263,17 @@ kelResult kelDataFlow::RunIndex::add(const FrameOutline &frame, bool canonical)
 
 kelResult kelDataFlow::RunIndex::flush()
 {
+    if (m_window.size() > 4 * chunk)
+        m_window = QByteArray(); // memory is not kept for the one large record
     if (m_pending.isEmpty())
         return kelResult();
     if (!m_tail) {
         const QByteArray place = QFile::encodeName(QDir::tempPath());
         m_tail.reset(::open(place.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
-        if (!m_tail) // a file system without nameless files
-            m_tail.reset(::fileno(::tmpfile()));
+        if (FILE *const file = m_tail ? nullptr : ::tmpfile()) { // a file system without nameless files
+            m_tail.reset(::fcntl(::fileno(file), F_DUPFD_CLOEXEC, 0));
+            ::fclose(file);
+        }
     }
     if (!writeAll(m_tail.get(), m_pending, m_flushed))
         return kelResult::failure(QStringLiteral("no room for a temporary file: %1").arg(systemError()),
@@ -280,20 +303,32 @@ kelDataFlow::IndexRow kelDataFlow::RunIndex::row(qint64 i) const
     return readIndexRow(m_block.constData() + at).value_or(IndexRow());
 }
 
-bool kelDataFlow::RunIndex::headIsWhole() const
+bool kelDataFlow::RunIndex::endsAreWhole() const
 {
-    const std::string_view head = m_count > 0 ? documentHead : emptyDocument;
-    return m_form == Form::Foreign || !m_document
-        || documentBytes(0, static_cast<qint64>(head.size()))
-        == QByteArray::fromRawData(head.data(), static_cast<int>(head.size()));
+    if (m_form == Form::Foreign || !m_document)
+        return true;
+    const auto holds = [this](qint64 offset, std::string_view text) {
+        return documentBytes(offset, static_cast<qint64>(text.size()))
+            == QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
+    };
+    return m_count > 0 ? holds(0, documentHead) && holds(m_documentEnd, documentTail)
+                       : holds(0, emptyDocument);
 }
 
 QByteArray kelDataFlow::RunIndex::documentBytes(qint64 offset, qint64 size) const
 {
-    return m_document ? bytesAt(m_document.get(), offset, size) : QByteArray();
+    return m_document ? m_document->bytes(offset, size) : QByteArray();
 }
 
 QByteArray kelDataFlow::RunIndex::recordBytes(qint64 offset, qint64 size) const
 {
-    return m_records ? bytesAt(m_records.get(), offset, size) : QByteArray();
+    return m_records ? m_records->bytes(offset, size) : QByteArray();
+}
+
+QString kelDataFlow::RunIndex::problem() const
+{
+    for (const auto *source : {&m_document, &m_records})
+        if (*source && !(*source)->problem().isEmpty())
+            return (*source)->problem();
+    return QString();
 }

@@ -5,14 +5,18 @@
 /// Where the frames of a recording on disk are. Internal.
 
 #include <kelCore/kelResult.h>
+#include <kelCore/recording/internal/kelByteSource.h>
 #include <kelCore/recording/internal/kelRecordingIndex.h>
 
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace kelDataFlow {
 
 /// The two files of a recording as they are at one moment, and an index of them. Whatever is written or renamed
-/// afterwards, it is of these files that rows and bytes are given.
+/// afterwards, it is of these files that rows and bytes are given. Either may be compressed; sizes and places
+/// are those of the plain files.
 ///
 /// The index file is used as far as it fits the document; the rest, or everything where there is none, is
 /// found in one pass. Memory does not grow with the run: rows that are not in the index file are kept in a
@@ -50,26 +54,27 @@ public:
     qint64 rowsOnDisk() const { return m_rowsOnDisk; }
     /// The index file is there, and is none.
     bool indexIsDamaged() const { return m_indexDamaged; }
-    /// What an index takes for granted: how the document begins.
-    bool headIsWhole() const;
+    /// What an index takes for granted: how the document begins, and how a compressed one ends.
+    bool endsAreWhole() const;
 
     bool documentExists() const { return bool(m_document); }
-    bool recordsExist() const { return bool(m_records); }
+    /// What went wrong while bytes of the document or the records were read; empty when nothing did.
+    QString problem() const;
 
     /// `size` bytes at `offset`; fewer at the end of the file.
     QByteArray documentBytes(qint64 offset, qint64 size) const;
     QByteArray recordBytes(qint64 offset, qint64 size) const;
 
 private:
-    kelResult openFile(int folder, const std::string &name, FileDescriptor &file, qint64 &size) const;
     void useIndexFile(int folder);
     kelResult walk();
     kelResult walkForeign();
+    kelResult parse(const std::function<void(const FrameOutline &)> &found, bool &isXml) const;
     kelResult add(const FrameOutline &frame, bool canonical);
     kelResult flush();
 
-    FileDescriptor m_document;
-    FileDescriptor m_records;
+    std::unique_ptr<ByteSource> m_document;
+    std::unique_ptr<ByteSource> m_records;
     FileDescriptor m_rows; ///< the index file
     FileDescriptor m_tail; ///< temporary: the rows behind `m_rowsOnDisk`
     QByteArray m_pending; ///< rows that are not in the temporary file yet
@@ -90,9 +95,6 @@ private:
     qint64 m_recordsEnd = 0;
     qint64 m_recordsFound = 0;
 };
-
-/// `size` bytes of a file at `offset`; fewer at its end, or where it cannot be read.
-QByteArray bytesAt(int file, qint64 offset, qint64 size);
 
 } // namespace kelDataFlow
 

@@ -19,28 +19,6 @@ namespace {
 
 using kelDataFlow::systemError;
 
-/// Gives `to` what `from` has beside its bytes. What the process may not give is left out.
-void copyAttributes(int from, int to, const struct stat &status)
-{
-    if (::fchown(to, status.st_uid, status.st_gid) != 0) { } // only some may
-    if (::fchmod(to, status.st_mode & 07777) != 0) { }
-    const ssize_t size = ::flistxattr(from, nullptr, 0);
-    if (size <= 0)
-        return;
-    std::vector<char> names(static_cast<size_t>(size));
-    std::vector<char> value;
-    const ssize_t used = ::flistxattr(from, names.data(), names.size());
-    for (ssize_t at = 0; at < used; at += static_cast<ssize_t>(std::string(&names[size_t(at)]).size()) + 1) {
-        const char *const name = &names[static_cast<size_t>(at)];
-        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
-        if (length < 0)
-            continue;
-        value.resize(static_cast<size_t>(length));
-        if (::fgetxattr(from, name, value.data(), value.size()) == length)
-            if (::fsetxattr(to, name, value.data(), value.size(), 0) != 0) { }
-    }
-}
-
 /// Copies the first `size` bytes.
 bool copyBytes(int from, int to, off_t size)
 {
@@ -70,6 +48,27 @@ void stampChange(int file)
 }
 
 } // namespace
+
+void kelDataFlow::copyAttributes(int from, int to, const struct stat &status)
+{
+    if (::fchown(to, status.st_uid, status.st_gid) != 0) { } // only some may
+    if (::fchmod(to, status.st_mode & 07777) != 0) { }
+    const ssize_t size = ::flistxattr(from, nullptr, 0);
+    if (size <= 0)
+        return;
+    std::vector<char> names(static_cast<size_t>(size));
+    std::vector<char> value;
+    const ssize_t used = ::flistxattr(from, names.data(), names.size());
+    for (ssize_t at = 0; at < used; at += static_cast<ssize_t>(std::string(&names[size_t(at)]).size()) + 1) {
+        const char *const name = &names[static_cast<size_t>(at)];
+        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
+        if (length < 0)
+            continue;
+        value.resize(static_cast<size_t>(length));
+        if (::fgetxattr(from, name, value.data(), value.size()) == length)
+            if (::fsetxattr(to, name, value.data(), value.size(), 0) != 0) { }
+    }
+}
 
 kelDataFlow::FileState::FileState(const struct stat &status)
     : device(status.st_dev), inode(status.st_ino), size(status.st_size), changed(status.st_mtim),

@@ -34,6 +34,11 @@ struct FileState
     bool operator!=(const FileState &other) const { return !(*this == other); }
 };
 
+/// Names of the files that stand beside a document while it grows.
+inline std::string shadowOf(const std::string &document) { return "." + document + ".shadow"; }
+/// For an instant, where the file system cannot exchange two names.
+inline std::string asideOf(const std::string &document) { return "." + document + ".aside"; }
+
 /// The document of a recording while a writer adds frames to it.
 ///
 /// Overwriting a document's last line in place would tear it: a process may be killed between two pages of one
@@ -83,7 +88,7 @@ public:
     bool tookFiles() { return std::exchange(m_tookFiles, false); }
 
     /// Name of the file that takes turns with the document.
-    std::string shadowName() const { return "." + m_name + ".shadow"; }
+    std::string shadowName() const { return shadowOf(m_name); }
 
     /// Bytes of the document in front of its last line.
     qint64 body() const { return m_body; }
@@ -95,7 +100,7 @@ private:
     void letGoOfShadow();
     void dropShadow();
     bool exchange() const;
-    std::string asideName() const { return "." + m_name + ".aside"; } ///< of the document, for an instant
+    std::string asideName() const { return asideOf(m_name); }
     kelResult failed(const QString &what);
 
     int m_folder = -1;
@@ -116,6 +121,9 @@ private:
 
 /// The document in `folder`. False where it does not exist, or is no regular file with one name.
 bool stateOf(int folder, const std::string &name, FileState &state);
+
+/// Gives `to` what `from`, whose status it is, has beside its bytes. What the process may not give is left out.
+void copyAttributes(int from, int to, const struct stat &status);
 
 } // namespace kelDataFlow
 
