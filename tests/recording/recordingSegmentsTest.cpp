@@ -483,4 +483,38 @@ TEST_F(RecordingSegmentsTest, DamagedCompressedFilesAreFoundAndHarmNobody)
     expectPlainRun(0, 13);
 }
 
+TEST_F(RecordingSegmentsTest, ATableThatClaimsTooMuchIsRefusedBeforeAnythingIsReadByIt)
+{
+    m_options.segmentFrames = 12;
+    m_options.compress = true;
+    ASSERT_TRUE(done(record(13)));
+    const QString file = segment(1) + QStringLiteral("/dataflow.xml.zst");
+    const QByteArray whole = content(file);
+    // One frame: the table takes the last 25 bytes.
+    struct
+    {
+        int fromEnd;
+        QByteArray bytes;
+        const char *problem;
+    } const claims[] = {
+        {13, QByteArray("\x01\x00\x80\x00", 4), "frame 0 is too large"}, // 8 MiB and a byte
+        {17, QByteArray("\xff\xff\xff\x7f", 4), "frame 0 is too large"},
+        {17, QByteArray("\x07\x00\x00\x00", 4), "do not end where"},
+        {9, QByteArray("\xff\xff\xff\xff", 4), "its table is too long"},
+        {9, QByteArray("\x00\x01\x00\x00", 4), "its table is too long"}, // than the file
+        {5, QByteArray("\x04", 1), "its table is too long"}, // a flag that nobody has given a meaning
+        {9, QByteArray("\x00\x00\x00\x00", 4), "does not begin where"},
+        {4, QByteArray("\x00", 1), "its table is missing"},
+    };
+    for (const auto &claim : claims) {
+        const int at = static_cast<int>(whole.size()) - claim.fromEnd;
+        write(file, QByteArray(whole).replace(at, claim.bytes.size(), claim.bytes));
+        kelRecording part;
+        const kelResult refused = part.open(segment(1));
+        ASSERT_FALSE(refused) << claim.problem;
+        EXPECT_TRUE(refused.line().contains(QLatin1String(claim.problem)))
+            << refused.line().toStdString() << " not " << claim.problem;
+    }
+}
+
 } // namespace
