@@ -12,26 +12,32 @@ void kelDataFlow::FileDescriptor::reset(int descriptor)
     m_descriptor = descriptor;
 }
 
+bool kelDataFlow::FileDescriptor::close()
+{
+    const int descriptor = std::exchange(m_descriptor, -1);
+    return descriptor < 0 || ::close(descriptor) == 0;
+}
+
+qint64 kelDataFlow::writeSome(int descriptor, const char *bytes, qint64 size, off_t offset)
+{
+    qint64 done = 0;
+    while (done < size) {
+        const auto left = static_cast<size_t>(size - done);
+        const ssize_t written = offset < 0 ? ::write(descriptor, bytes + done, left)
+                                           : ::pwrite(descriptor, bytes + done, left, offset + done);
+        if (written > 0) {
+            done += written;
+        } else if (written == 0 || errno != EINTR) {
+            errno = written == 0 ? ENOSPC : errno;
+            break;
+        }
+    }
+    return done;
+}
+
 bool kelDataFlow::writeAll(int descriptor, const QByteArray &bytes, off_t offset)
 {
-    const char *at = bytes.constData();
-    auto left = static_cast<size_t>(bytes.size());
-    while (left > 0) {
-        const ssize_t written =
-            offset < 0 ? ::write(descriptor, at, left) : ::pwrite(descriptor, at, left, offset);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            if (written == 0)
-                errno = ENOSPC;
-            return false;
-        }
-        at += written;
-        left -= static_cast<size_t>(written);
-        if (offset >= 0)
-            offset += written;
-    }
-    return true;
+    return writeSome(descriptor, bytes.constData(), bytes.size(), offset) == bytes.size();
 }
 
 QString kelDataFlow::systemError() { return QString::fromLocal8Bit(std::strerror(errno)); }

@@ -28,12 +28,18 @@ public:
     ~FileDescriptor() { reset(); }
 
     void reset(int descriptor = -1);
+    /// False when what was written may be lost.
+    bool close();
     int get() const { return m_descriptor; }
     explicit operator bool() const { return m_descriptor >= 0; }
 
 private:
     int m_descriptor = -1;
 };
+
+/// Writes until all is written or the system takes no more, at `offset` or, where that is -1, at the end of a file
+/// opened for appending. \return how many bytes it took; errno says why not all.
+qint64 writeSome(int descriptor, const char *bytes, qint64 size, off_t offset = -1);
 
 /// Writes all bytes at `offset`, or at the end of a file opened for appending where `offset` is -1. False, with
 /// errno set, when not all could be written.

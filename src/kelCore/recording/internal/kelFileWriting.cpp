@@ -1,5 +1,7 @@
 #include <kelCore/recording/internal/kelFileWriting.h>
 
+#include <kelCore/recording/internal/kelFileDescriptor.h>
+
 #include <QFile>
 #include <QSaveFile>
 
@@ -12,41 +14,7 @@
 
 namespace {
 
-/// A file of the system's, by plain calls: a file object of the toolkit costs as much as an append.
-class Descriptor
-{
-public:
-    Descriptor(const char *path, int flags) : m_file(::open(path, flags | O_CLOEXEC, 0666)) { }
-    ~Descriptor() { close(); }
-    Q_DISABLE_COPY(Descriptor)
-
-    operator int() const { return m_file; }
-    bool close()
-    {
-        const int file = m_file;
-        m_file = -1;
-        return file < 0 || ::close(file) == 0;
-    }
-
-private:
-    int m_file;
-};
-
-/// Writes until all is written or the system takes no more; how much of it was taken.
-qint64 writeAll(int file, const char *data, qint64 size)
-{
-    qint64 done = 0;
-    while (done < size) {
-        const ssize_t written = ::write(file, data + done, static_cast<size_t>(size - done));
-        if (written > 0)
-            done += written;
-        else if (written == 0 || errno != EINTR)
-            break;
-    }
-    return done;
-}
-
-/// The same, once: what goes on may stand behind what somebody else has appended meanwhile.
+/// Writes once: what goes on may stand behind what somebody else has appended meanwhile.
 qint64 writeOnce(int file, const char *data, qint64 size)
 {
     ssize_t written = 0;
@@ -74,7 +42,7 @@ bool finishAppending(int file, const QByteArray &bytes, qint64 done)
         if (::fstat(file, &status) != 0 || status.st_size != end)
             return false; // somebody's bytes stand behind ours
     }
-    const qint64 more = writeAll(file, bytes.constData() + done, bytes.size() - done);
+    const qint64 more = kelDataFlow::writeSome(file, bytes.constData() + done, bytes.size() - done);
     if (done + more == bytes.size())
         return true;
     // Or every later record would be misread. Should this fail too, nothing is left to try.
@@ -88,9 +56,10 @@ bool isOneRegularFile(const struct stat &status) { return S_ISREG(status.st_mode
 /// Writes over what the file holds. The space is taken first, so that a full disk costs nothing.
 bool writeInto(const QByteArray &path, const QByteArray &content)
 {
-    Descriptor file(path.constData(), O_WRONLY);
+    kelDataFlow::FileDescriptor opened(::open(path.constData(), O_WRONLY | O_CLOEXEC));
+    const int file = opened.get();
     struct stat status = {};
-    if (file < 0 || ::fstat(file, &status) != 0)
+    if (!opened || ::fstat(file, &status) != 0)
         return false;
     const off_t size = static_cast<off_t>(content.size());
     const bool isRegular = S_ISREG(status.st_mode);
@@ -99,10 +68,10 @@ bool writeInto(const QByteArray &path, const QByteArray &content)
         (void)!::ftruncate(file, status.st_size);
         return false;
     }
-    bool whole = writeAll(file, content.constData(), size) == size;
+    bool whole = kelDataFlow::writeSome(file, content.constData(), size) == size;
     if (whole && isRegular && size < status.st_size)
         whole = ::ftruncate(file, size) == 0;
-    return file.close() && whole;
+    return opened.close() && whole;
 }
 
 } // namespace
@@ -122,11 +91,12 @@ bool kelDataFlow::replaceFile(const QString &path, const QByteArray &content)
 
 bool kelDataFlow::appendToFile(const char *path, const QByteArray &bytes)
 {
-    Descriptor file(path, O_WRONLY | O_CREAT | O_APPEND);
-    if (file < 0)
+    FileDescriptor opened(::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+    if (!opened)
         return false;
+    const int file = opened.get();
     lock(file, LOCK_SH);
     const qint64 done = writeOnce(file, bytes.constData(), bytes.size());
     const bool whole = done == bytes.size() || (done > 0 && finishAppending(file, bytes, done));
-    return file.close() && whole;
+    return opened.close() && whole;
 }
