@@ -111,7 +111,7 @@ bool kelDataFlow::ClosedSegments::isTooOld(const Segment &segment, qint64 time) 
 kelResult kelDataFlow::ClosedSegments::keepFree(qint64 frameBytes)
 {
     const auto freeBytes = [this] {
-        struct statvfs status;
+        struct statvfs status = {};
         return ::fstatvfs(m_run, &status) == 0
             ? static_cast<qint64>(status.f_bavail) * static_cast<qint64>(status.f_frsize)
             : std::numeric_limits<qint64>::max(); // a file system that does not know
