@@ -2,6 +2,7 @@
 
 #include "common/Failure.h"
 
+#include "apps/problem.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryFolder.h"
 
@@ -20,19 +21,9 @@ const cv::Mat &picture()
     return picture;
 }
 
-QString problem(const std::function<void()> &body)
-{
-    try {
-        body();
-    } catch (const Failure &failure) {
-        return QString::fromUtf8(failure.what());
-    }
-    return QString();
-}
-
 QString problem(const QString &target)
 {
-    return problem([&target] { PictureSink(target, 10).add(0, picture()); });
+    return ::problem([&target] { PictureSink(target, 10).add(0, picture()); });
 }
 
 } // namespace

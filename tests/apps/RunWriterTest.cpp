@@ -2,6 +2,7 @@
 
 #include "common/Recording.h"
 
+#include "apps/problem.h"
 #include "apps/scenes.h"
 #include "support/Capture.h"
 #include "support/ChildProcess.h"
@@ -30,16 +31,6 @@ Objects blobs(int count, const QVariant &more = {})
         objects.append(blob);
     }
     return objects;
-}
-
-QString problem(const std::function<void()> &body)
-{
-    try {
-        body();
-    } catch (const Failure &failure) {
-        return QString::fromUtf8(failure.what());
-    }
-    return QString();
 }
 
 /// "FRAMES frames, OBJECTS objects" of a recording whose document and records agree.

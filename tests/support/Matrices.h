@@ -40,7 +40,8 @@ inline bool sameBits(const cv::Point3d &a, const cv::Point3d &b)
 /// `matrix` as a part of a larger one, so that its rows do not follow one another in memory.
 inline cv::Mat asView(const cv::Mat &matrix)
 {
-    const cv::Mat larger(matrix.rows + 2, matrix.cols + 3, matrix.type(), cv::Scalar(1e6));
+    const cv::Mat larger(matrix.rows + 2, matrix.cols + 3, matrix.type());
+    larger.reshape(1).setTo(100);
     cv::Mat view = larger(cv::Rect(1, 1, matrix.cols, matrix.rows));
     matrix.copyTo(view);
     return view;

@@ -4,6 +4,8 @@
 /// \file
 /// What the tests of the matrix utilities share: numbers, matrices, and where a result went.
 
+#include "support/Matrices.h"
+
 #include <gmock/gmock.h>
 #include <opencv2/core.hpp>
 
@@ -26,17 +28,6 @@ constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr int halfFloat = 7;
 
-inline bool sameMatrix(const cv::Mat &a, const cv::Mat &b)
-{
-    if (a.size() != b.size() || a.type() != b.type())
-        return false;
-    for (int r = 0; r < a.rows; ++r) {
-        if (std::memcmp(a.ptr(r), b.ptr(r), static_cast<std::size_t>(a.cols) * a.elemSize()) != 0)
-            return false;
-    }
-    return true;
-}
-
 /// Any elements; those of real depths are numbers.
 inline cv::Mat randomMatrix(int rows, int columns, int type, double low = 0, double high = 100)
 {
@@ -45,16 +36,6 @@ inline cv::Mat randomMatrix(int rows, int columns, int type, double low = 0, dou
     cv::Mat scalars = matrix.reshape(1);
     random.fill(scalars, cv::RNG::UNIFORM, low, high);
     return matrix;
-}
-
-/// `matrix` as a part of a larger one, so that its rows do not follow one another in memory.
-inline cv::Mat asView(const cv::Mat &matrix)
-{
-    const cv::Mat larger(matrix.rows + 2, matrix.cols + 3, matrix.type());
-    larger.reshape(1).setTo(100);
-    cv::Mat view = larger(cv::Rect(1, 1, matrix.cols, matrix.rows));
-    matrix.copyTo(view);
-    return view;
 }
 
 template <class Item> QByteArray streamed(const Item &item)
