@@ -23,6 +23,13 @@ namespace {
 
 constexpr int frameCount = 200;
 constexpr int shards = 4; ///< so that several can run at once
+// What is on disk between two calls depends neither on the toolkit nor on the sanitizers: there, and where every
+// process costs more, each eighth will do.
+#if defined(__SANITIZE_ADDRESS__) || QT_VERSION_MAJOR > 5
+constexpr int stride = 8 * shards;
+#else
+constexpr int stride = shards;
+#endif
 
 /// Runs `work` in a process of its own until its `calls`-th system call is done, and kills it.
 /// \return false when it ended by itself before.
@@ -104,7 +111,7 @@ TEST_P(KilledRecorderTest, LeavesAWholeRecordingAfterEverySystemCall)
     const QByteArray records = content(QStringLiteral("whole/dataflow.dat"));
     const SharedCount saved;
     int calls = 1 + GetParam();
-    for (;; calls += shards) {
+    for (;; calls += stride) {
         *saved = 0;
         if (!killAfter(calls,
                        [&saved] { static_cast<void>(record(QStringLiteral("run"), frameCount, &*saved)); }))
@@ -125,7 +132,7 @@ TEST_P(KilledRecorderTest, LeavesAWholeRecordingAfterEverySystemCall)
         ASSERT_EQ(leftRecords, records.left(leftRecords.size())) << calls;
 
         // Whoever goes on reaches the bytes of the run that was not interrupted.
-        const bool toTheEnd = calls % 16 == 0;
+        const bool toTheEnd = calls / stride % 4 == 0;
         const int end = toTheEnd ? frameCount : std::min(found + 3, frameCount);
         ASSERT_TRUE(done(record(QStringLiteral("run"), end))) << calls;
         const QByteArray resumed = content(QStringLiteral("run/dataflow.xml"));
@@ -211,7 +218,7 @@ TEST_P(KilledSegmentsTest, LeaveARunThatReadsAfterEverySystemCall)
     const bool keepsAll = whole.contains(QStringLiteral("000001/dataflow.idx"));
     const SharedCount saved;
     int calls = 1 + std::get<1>(GetParam());
-    for (;; calls += shards) {
+    for (;; calls += stride) {
         *saved = 0;
         if (!killAfter(calls,
                        [&saved] { static_cast<void>(record(QStringLiteral("run"), 0, length, &*saved)); }))
